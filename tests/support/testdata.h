@@ -1,0 +1,26 @@
+// Where tests find the third-party test data, the source tree and the build tree.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace velantis::test {
+
+// The third-party test data folder: $VELANTIS_TESTDATA, else ../shared/testdata
+// beside the repository.
+std::filesystem::path TestDataDir();
+
+// A file under the test data folder; the calling test is skipped (with the
+// missing path in the message) when it is absent.
+#define VELANTIS_TESTDATA_OR_SKIP(var, relative)                                  \
+  const std::filesystem::path var = ::velantis::test::TestDataDir() / (relative); \
+  if (!std::filesystem::exists(var))                                              \
+    GTEST_SKIP() << "test data not found: " << var.string() << " (set VELANTIS_TESTDATA)"
+
+std::filesystem::path SourceDir();
+std::filesystem::path BinaryDir();
+
+// A fresh empty folder for one test, removed and made again on each call.
+std::filesystem::path ScratchDir(const std::string& name);
+
+}  // namespace velantis::test
