@@ -38,26 +38,19 @@ bool TBinaryReader::Take(size_t count, const char*& data) {
   return true;
 }
 
-bool TBinaryReader::ReadInt32(int32_t& value) {
+template <typename T>
+bool TBinaryReader::ReadPlain(T& value) {
   const char* data;
   if (!Take(sizeof value, data)) return false;
-  value = Load<int32_t>(data);
+  value = Load<T>(data);
   return true;
 }
 
-bool TBinaryReader::ReadFloat(float& value) {
-  const char* data;
-  if (!Take(sizeof value, data)) return false;
-  value = Load<float>(data);
-  return true;
-}
+bool TBinaryReader::ReadInt32(int32_t& value) { return ReadPlain(value); }
 
-bool TBinaryReader::ReadDouble(double& value) {
-  const char* data;
-  if (!Take(sizeof value, data)) return false;
-  value = Load<double>(data);
-  return true;
-}
+bool TBinaryReader::ReadFloat(float& value) { return ReadPlain(value); }
+
+bool TBinaryReader::ReadDouble(double& value) { return ReadPlain(value); }
 
 bool TBinaryReader::ReadBytes(size_t count, std::string_view& bytes) {
   const char* data;

@@ -30,6 +30,8 @@ public:
 
 private:
   bool Take(size_t count, const char*& data);
+  template <typename T>
+  bool ReadPlain(T& value);
 
   std::string_view m_bytes;
   size_t m_pos = 0;

@@ -14,10 +14,6 @@ namespace {
 // Poles are left as they are: the shift formulas divide by cos(latitude).
 constexpr double kPoleLatitudeDeg = 89.9999;
 
-bool GridShift(TDatumFileNTV2& grid, TLonLat& position, bool inverse) {
-  return grid.Shift(position.lon, position.lat, inverse);
-}
-
 }  // namespace
 
 bool TListaDatums::Transforma_Grados_Datum(TLonLat& position, int from, int to,
@@ -35,9 +31,9 @@ bool TListaDatums::Transforma_Grados_Datum(TLonLat& position, int from, int to,
   const TDatum& source = m_datums[static_cast<size_t>(from)];
   const TDatum& target = m_datums[static_cast<size_t>(to)];
   if (!source.grid && target.grid && from == 0) {
-    if (GridShift(*target.grid, position, true)) return true;
+    if (target.grid->Shift(position.lon, position.lat, true)) return true;
   } else if (source.grid && to == 0) {
-    if (GridShift(*source.grid, position, false)) return true;
+    if (source.grid->Shift(position.lon, position.lat, false)) return true;
   }
   return MolodenskyShift(position, source, target, message);
 }
