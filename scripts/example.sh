@@ -9,7 +9,7 @@ cmake --build build -j "$(nproc)" --target velantis
 velantis=build/cli/velantis
 
 echo "== velantis datums (first lines)"
-"$velantis" datums | head -n 12
+"$velantis" datums | sed -n 1,12p
 echo "== European 1950 -> WGS 84 (three-parameter shift)"
 "$velantis" coord --from "geo:European 1950" --to "geo:WGS 84" < data/examples/ed50-points.txt
 echo "== DHDN -> WGS 84 (through the BeTA2007 grid when proj-data installed it)"
