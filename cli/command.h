@@ -29,5 +29,7 @@ bool StartRuntime(const TGlobalOptions& options, TRuntime& runtime);
 // when it was chosen and sets the exit code.
 void AddDatumsCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddCoordCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddFormatCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddParseCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

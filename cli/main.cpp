@@ -17,6 +17,8 @@ int main(int argc, char** argv) {
   int exitCode = kExitOk;
   AddDatumsCommand(app, options, exitCode);
   AddCoordCommand(app, options, exitCode);
+  AddFormatCommand(app, options, exitCode);
+  AddParseCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {

@@ -19,6 +19,11 @@ public:
   // Applies the operation (inverse when asked) to degrees; false when PROJ
   // refuses the point (outside a grid, ...).
   bool Apply(double& lon, double& lat, bool inverse = false) const;
+  // For a projection ("+proj=tmerc ..."): geographic degrees to plane
+  // metres and back. Radians are converted inside when PROJ expects them.
+  // False when PROJ refuses the point; the outputs are then untouched.
+  bool Forward(double lonDeg, double latDeg, double& x, double& y) const;
+  bool Inverse(double x, double y, double& lonDeg, double& latDeg) const;
 
 private:
   PJ_CONTEXT* m_context;

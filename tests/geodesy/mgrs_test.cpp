@@ -1,0 +1,260 @@
+#include "geodesy/mgrs.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <numbers>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "tests/support/testdata.h"
+
+namespace velantis {
+namespace {
+
+constexpr double kDegree = std::numbers::pi / 180;
+
+TDatum Ellipsoid(double a, double rf) {
+  TDatum d;
+  d.a = a;
+  d.invFlattening = rf;
+  d.ComputeDerived();
+  return d;
+}
+
+const TDatum kWgs84 = Ellipsoid(6378137, 298.257223563);
+
+double GroundMetres(const TLonLat& one, const TLonLat& other) {
+  const double dLat = (one.lat - other.lat) * kDegree * kWgs84.a;
+  const double dLon = std::remainder(one.lon - other.lon, 360.0) * kDegree * kWgs84.a * std::cos(one.lat * kDegree);
+  return std::hypot(dLat, dLon);
+}
+
+// GeographicLib writes zones 1..9 with a leading zero; we do not.
+std::string WithoutLeadingZero(const std::string& text) {
+  return !text.empty() && text[0] == '0' ? text.substr(1) : text;
+}
+
+// Reference vectors made with GeographicLib 2.1.2's GeoConvert (Debian
+// package geographiclib-tools), WGS 84:
+//   echo "LAT LON" | GeoConvert -m -p (DIGITS-5)   -> reference
+//   echo REFERENCE | GeoConvert -p 4               -> centre of the square
+struct TVector {
+  double lat, lon;
+  int digits;
+  const char* reference;
+  double centreLat, centreLon;
+};
+constexpr TVector kGeoConvertVectors[] = {
+    {48.8584, 2.2945, 5, "31UDQ4825211954", 48.858396354, 2.294506849},
+    {38.8895, -77.0353, 5, "18SUJ2347806483", 38.889502413, -77.035295035},
+    {-33.8568, 151.2153, 5, "56HLH3490052288", -33.856802269, 151.215299200},
+    {21.3069, -157.8583, 4, "04QFJ18415654", 21.306923105, -157.858319972},
+    {0, 0, 5, "31NAA6602100000", 0.000004517, 0.000000511},
+    {0, -0.0001, 5, "30NZF3396700000", 0.000004517, -0.000099229},
+    {-0.00001, 3, 5, "31MEV0000099998", -0.000013571, 3.000004493},
+    {60, 5, 5, "32VKM7697958157", 60.000002434, 4.999992052},         // southern Norway: 32V
+    {59.9, 2.9, 3, "31VDG944402", 59.899742652, 2.900797812},
+    {56, 3, 4, "32VJH26042233", 55.999984198, 2.999922592},
+    {63.999, 11.999, 5, "32VPS4665100353", 63.999000857, 11.998998065},
+    {78, 8.9, 5, "31XFG3671665261", 77.999999868, 8.899984956},       // Svalbard: 31X 0..9E
+    {78, 9, 2, "33XUG6065", 77.999592142, 8.979693928},
+    {78, 41.9, 5, "37XEG6728260035", 77.999999935, 41.900012539},
+    {72, 10, 5, "33XUV2772496086", 71.999995868, 9.999988056},
+    {83.9999, -30, 5, "26XMU6500428994", 83.999904048, -30.000024658},
+    {-80, 3, 5, "31CEM0000018414", -79.999997169, 3.000025792},
+    {-79.9999, -179.99, 5, "01CDM4206016936", -79.999896874, -179.990015597},
+    {0.5, 180, 5, "01NAA6603455341", 0.500001012, -179.999996395},   // 180E is zone 1
+    {-45.5, -180, 1, "01GBK65", -45.518891776, 179.991039512},
+    {40, -6, 5, "30TTK4390032069", 40.000004032, -5.999998444},
+    {-12.04, -77.03, 0, "18LTM", -12.202447408, -77.297711332},
+    {51.5, -0.1, 2, "30UYC0109", 51.500665033, -0.096753702},
+    {-8, 115, 5, "50MKS7955815166", -8.000000244, 115.000001827},
+};
+
+TEST(Mgrs, MatchesGeoConvertVectors) {
+  for (const auto& v : kGeoConvertVectors) {
+    std::string text, message;
+    ASSERT_TRUE(LatLonToMgrs({v.lon, v.lat}, kWgs84, v.digits, text, message)) << v.reference << ": " << message;
+    EXPECT_EQ(text, WithoutLeadingZero(v.reference));
+
+    // Read back, both as written by GeoConvert and as written by us: the
+    // centre of the square within 5 mm, the bound of our series within 3° of
+    // the central meridian, or 5 cm in the widened zones of Norway and
+    // Svalbard, up to 6° from it (see transverse_mercator.h).
+    const double centralMeridian = 6.0 * MgrsZoneOfPosition({v.lon, v.lat}) - 183;
+    const double boundM = std::fabs(std::remainder(v.lon - centralMeridian, 360.0)) > 3 ? 0.05 : 0.005;
+    for (const std::string& reference : {std::string(v.reference), text}) {
+      TLonLat centre;
+      ASSERT_TRUE(MgrsToLatLon(reference, kWgs84, centre, message, true)) << reference << ": " << message;
+      EXPECT_LE(GroundMetres(centre, {v.centreLon, v.centreLat}), boundM) << reference;
+    }
+  }
+}
+
+// Truncated, not rounded: each coarser reference is a prefix of the digits of
+// the finer one.
+TEST(Mgrs, CoarserPrecisionsTruncate) {
+  const std::string full = "31UDQ4825211954";
+  for (int digits = 0; digits <= 5; ++digits) {
+    std::string text, message;
+    ASSERT_TRUE(LatLonToMgrs({2.2945, 48.8584}, kWgs84, digits, text, message));
+    EXPECT_EQ(text, full.substr(0, 5) + full.substr(5, digits) + full.substr(10, digits)) << digits;
+  }
+}
+
+TEST(Mgrs, ReadsTheLiteratureExampleInAnyLayout) {
+  // "4QFJ12345678", the example of NGA's MGRS descriptions: zone 4, band Q,
+  // square FJ, easting 1234, northing 5678 (10 m).
+  for (const char* text : {"4QFJ12345678", "04QFJ12345678", "4Q FJ 1234 5678", "4qfj12345678"}) {
+    TMgrsReference r;
+    std::string message;
+    ASSERT_TRUE(ParseMgrs(text, r, message)) << text << ": " << message;
+    EXPECT_EQ(r.zone, 4);
+    EXPECT_EQ(r.band, 'Q');
+    EXPECT_EQ(r.column, 'F');
+    EXPECT_EQ(r.row, 'J');
+    EXPECT_EQ(r.digits, 4);
+    EXPECT_EQ(r.easting, 1234);
+    EXPECT_EQ(r.northing, 5678);
+    TUtmPosition utm;
+    ASSERT_TRUE(MgrsToUtm(text, kWgs84, utm, message));
+    EXPECT_EQ(utm.zone.zone, 4);
+    EXPECT_EQ(utm.x, 612340);   // column F is the sixth of zone 4's set A..H
+    EXPECT_EQ(utm.y, 2356780);  // row J in an even zone: 2300 km, first cycle in band Q
+  }
+}
+
+TEST(Mgrs, RefusesMalformedReferences) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"", kMgrsZoneError},
+      {"TCF", kMgrsZoneError},
+      {"0TCF", kMgrsZoneError},
+      {"61TCF", kMgrsZoneError},
+      {"31", kMgrsBandError},
+      {"31ICF", kMgrsBandError},
+      {"31OCF", kMgrsBandError},
+      {"31ZAA", kMgrsPolarError},
+      {"31BAA", kMgrsPolarError},
+      {"31T", kMgrsSquareError},
+      {"31TC", kMgrsSquareError},
+      {"31TCI", kMgrsSquareError},
+      {"31TOF", kMgrsSquareError},
+      {"31TCW", kMgrsSquareError},  // rows stop at V
+      {"31TJF", kMgrsColumnError},  // zone 31 uses A..H
+      {"32TAF", kMgrsColumnError},  // zone 32 uses J..R
+      {"31TCF123", kMgrsDigitsError},
+      {"31TCF12345678901", kMgrsDigitsError},
+      {"31TCF12a4", kMgrsCharacterError},
+      {"31TCF12-4", kMgrsCharacterError},
+      {"31TEV", kMgrsOutsideBandError},  // row V lies 1000 km north of band T
+      {"31NAV", kMgrsOutsideBandError},
+  };
+  for (const auto& [text, expected] : rows) {
+    TLonLat geo{7, 8};
+    std::string message;
+    EXPECT_FALSE(MgrsToLatLon(text, kWgs84, geo, message)) << text;
+    EXPECT_EQ(message, expected) << text;
+    EXPECT_EQ(geo.lon, 7) << text;
+    EXPECT_EQ(geo.lat, 8) << text;
+  }
+}
+
+TEST(Mgrs, RefusesPolarAreasAndBadPrecisions) {
+  struct TRow {
+    TLonLat geo;
+    int digits;
+    const char* message;
+  };
+  const TRow rows[] = {
+      {{3, 84}, 5, kMgrsPolarError},     {{3, -80.0001}, 5, kMgrsPolarError},
+      {{3, 90}, 5, kMgrsPolarError},     {{3, 45}, 6, kMgrsPrecisionError},
+      {{3, 45}, -1, kMgrsPrecisionError}, {{181, 45}, 5, kMgrsPositionError},
+      {{3, std::nan("")}, 5, kMgrsPositionError},
+  };
+  for (const auto& row : rows) {
+    std::string text = "unchanged", message;
+    EXPECT_FALSE(LatLonToMgrs(row.geo, kWgs84, row.digits, text, message)) << row.geo.lat;
+    EXPECT_EQ(message, row.message) << row.geo.lat;
+    EXPECT_EQ(text, "unchanged");
+  }
+}
+
+// The row letters of the first 100 km north of the equator: "A" in odd
+// zones and "F" in even ones on modern ellipsoids, "L" and "R" on Clarke
+// 1866, Clarke 1880 and Bessel 1841 (NGA/DMA TM 8358.1). Column letters do
+// not depend on the ellipsoid.
+TEST(Mgrs, RowLettersFollowTheEllipsoidsScheme) {
+  struct TRow {
+    const char* name;
+    double a, rf;
+    char oddZoneRow, evenZoneRow;
+  };
+  const TRow rows[] = {
+      {"WGS 84", 6378137, 298.257223563, 'A', 'F'},   {"International 1924", 6378388, 297, 'A', 'F'},
+      {"Clarke 1866", 6378206.4, 294.9786982, 'L', 'R'}, {"Clarke 1880", 6378249.145, 293.465, 'L', 'R'},
+      {"Bessel 1841", 6377397.155, 299.1528128, 'L', 'R'},
+  };
+  for (const auto& row : rows) {
+    const TDatum ellipsoid = Ellipsoid(row.a, row.rf);
+    std::string odd, even, message;
+    ASSERT_TRUE(LatLonToMgrs({3, 0.2}, ellipsoid, 5, odd, message));   // zone 31, column E
+    ASSERT_TRUE(LatLonToMgrs({9, 0.2}, ellipsoid, 5, even, message));  // zone 32, column N
+    EXPECT_EQ(odd.substr(0, 5), std::string("31NE") + row.oddZoneRow) << row.name;
+    EXPECT_EQ(even.substr(0, 5), std::string("32NN") + row.evenZoneRow) << row.name;
+    TLonLat back;
+    ASSERT_TRUE(MgrsToLatLon(odd, ellipsoid, back, message, true)) << row.name;
+    EXPECT_NEAR(back.lat, 0.2, 1e-5) << row.name;
+  }
+}
+
+// GeoConvert, when installed, on 2000 random points over the whole UTM part
+// of MGRS, 1 m references. Our series and GeographicLib's exact transverse
+// Mercator differ by a few millimetres, so a point that close to a metre
+// line may truncate to the neighbouring metre: allowed, at most 1 m off and
+// rarely.
+TEST(Mgrs, AgreesWithGeoConvertOnRandomPoints) {
+  if (std::system("command -v GeoConvert > /dev/null 2>&1") != 0)
+    GTEST_SKIP() << "GeoConvert (geographiclib-tools) is not installed";
+  const auto dir = test::ScratchDir("mgrs_geoconvert");
+  std::mt19937_64 random(84);
+  std::uniform_real_distribution<double> lat(-80, 83.9999), lon(-180, 180);
+  std::vector<TLonLat> points(2000);
+  {
+    std::ofstream in(dir / "points.txt");
+    for (auto& p : points) {
+      p = {lon(random), lat(random)};
+      char line[64];
+      std::snprintf(line, sizeof line, "%.10f %.10f\n", p.lat, p.lon);
+      in << line;
+    }
+  }
+  const std::string command = "GeoConvert -m -p 0 < '" + (dir / "points.txt").string() + "' > '" +
+                              (dir / "mgrs.txt").string() + "'";
+  ASSERT_EQ(std::system(command.c_str()), 0) << command;
+  std::ifstream out(dir / "mgrs.txt");
+  int exact = 0;
+  for (const auto& p : points) {
+    std::string theirs, ours, message;
+    ASSERT_TRUE(std::getline(out, theirs));
+    ASSERT_TRUE(LatLonToMgrs(p, kWgs84, 5, ours, message)) << message;
+    if (ours == WithoutLeadingZero(theirs)) {
+      ++exact;
+      continue;
+    }
+    TUtmPosition a, b;
+    ASSERT_TRUE(MgrsToUtm(ours, kWgs84, a, message)) << ours;
+    ASSERT_TRUE(MgrsToUtm(theirs, kWgs84, b, message)) << theirs;
+    EXPECT_EQ(a.zone.zone, b.zone.zone) << ours << " " << theirs;
+    EXPECT_LE(std::fabs(a.x - b.x), 1) << ours << " " << theirs;
+    EXPECT_LE(std::fabs(a.y - b.y), 1) << ours << " " << theirs;
+  }
+  EXPECT_GE(exact, 1980);
+}
+
+}  // namespace
+}  // namespace velantis
