@@ -12,8 +12,8 @@
 //
 // with psi the isometric latitude. This is the same sphere that swisstopo
 // writes with alpha, b0 and K ("Formulas and constants for the calculation of
-// the Swiss conformal cylindrical projection", 2016, section 3) and that EPSG
-// Guidance Note 7-2 (2019, section 3.3.2) writes with n, c, w1 and w2; there
+// the Swiss conformal cylindrical projection", 2016) and that IOGP/EPSG
+// Guidance Note 7-2 (2019, method 9809) writes with n, c, w1 and w2; there
 // sin chi0 comes out of (w1 - 1) / (w1 + 1) and the constant c of two
 // logarithms that are each infinite at a pole. Here c is written without the
 // infinities (see the .cpp), so a latitude of origin at a pole is a plain case.

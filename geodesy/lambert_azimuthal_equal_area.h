@@ -4,9 +4,9 @@
 //
 // The ellipsoid is mapped onto the sphere of equal area (radius Rq) through
 // the authalic latitude beta, sin beta = q(phi) / q(90), which is then
-// projected azimuthally. Oblique and equatorial origins use EPSG Guidance
-// Note 7-2 (2019), section 3.7.1 (with the scale adjustment D); a polar origin
-// (|latOrigin| = 90) uses the polar formulas of the same section,
+// projected azimuthally. Oblique and equatorial origins use the formulas of
+// IOGP/EPSG Guidance Note 7-2 (2019) for method 9820 (with the scale
+// adjustment D); a polar origin (|latOrigin| = 90) uses its polar formulas,
 // rho = a sqrt(q(90) -+ q(phi)).
 //
 // Inverse: beta follows in closed form; the latitude is solved from q by

@@ -5,10 +5,10 @@
 // stereographically from the point opposite the origin. Parameters:
 // latOrigin, lonOrigin, FE, FN, scaleFactor (the scale at the origin).
 //
-// Formulas: EPSG Guidance Note 7-2 (2019), section 3.3.2; the inverse is the
+// Formulas: IOGP/EPSG Guidance Note 7-2 (2019), method 9809; the inverse is the
 // spherical stereographic inverse of J. P. Snyder, "Map Projections: A
-// Working Manual", USGS PP 1395 (1987), eqs. 20-14 to 20-16, on that sphere,
-// followed by the inverse of the Gauss mapping. Both are closed forms apart
+// Working Manual", USGS PP 1395 (1987), chapter 21, on that sphere, followed
+// by the inverse of the Gauss mapping. Both are closed forms apart
 // from the isometric latitude's Newton steps: accuracy is round-off only
 // (below a micrometre within several thousand kilometres of the origin).
 //

@@ -3,7 +3,7 @@
 // scale at the origin; 1 when the definition gives none).
 //
 // - Polar, when |latOrigin| is 90: EPSG method 9810, polar stereographic
-//   variant A (EPSG Guidance Note 7-2, 2019, section 3.3.3.1), with
+//   variant A (IOGP/EPSG Guidance Note 7-2, 2019), with
 //   t = tan(pi/4 - phi/2) / ((1 - e sin phi) / (1 + e sin phi))^(e/2) written
 //   as exp(-psi) through the isometric latitude psi, and
 //   rho = 2 a k0 t / sqrt((1 + e)^(1 + e) (1 - e)^(1 - e)). Grid north is
@@ -11,7 +11,7 @@
 //   and towards it for the south pole, as EPSG fixes it.
 // - Oblique (equatorial included) otherwise: the ellipsoidal oblique
 //   stereographic of J. P. Snyder, "Map Projections: A Working Manual", USGS
-//   PP 1395 (1987), eqs. 21-24 to 21-38: the conformal latitude chi is taken
+//   PP 1395 (1987), chapter 21: the conformal latitude chi is taken
 //   straight from the ellipsoid (no Gauss sphere), and
 //   A = 2 a k0 m1 / (cos chi1 (1 + sin chi1 sin chi + cos chi1 cos chi cos dlon)).
 //   It is not EPSG 9809 ("Oblique Stereographic", a different projection away

@@ -5,7 +5,7 @@
 //
 // Formulas: swisstopo, "Formulas and constants for the calculation of the
 // Swiss conformal cylindrical projection and for the transformation between
-// coordinate systems" (December 2016), section 3, the rigorous solution: the
+// coordinate systems" (December 2016), the rigorous solution: the
 // ellipsoid goes onto Gauss's sphere (geodesy/gauss_conformal_sphere.h, whose
 // n, chi0 and c are swisstopo's alpha, b0 and K), is rotated so that the
 // origin lies on the equator of a pseudo-equatorial system (b-bar, l-bar), and
@@ -33,8 +33,7 @@ inline constexpr const char* kSwissGridName = "CH-1903";
 inline constexpr const char* kSwissGridShownName = "Swiss Grid";
 
 // The fundamental point, the old observatory of Bern: 46°57'08.66" N,
-// 7°26'22.50" E on CH1903, and its LV03 coordinates (swisstopo, as above,
-// section 1.3 and 3.1).
+// 7°26'22.50" E on CH1903, and its LV03 coordinates (swisstopo, as above).
 inline constexpr double kSwissLatOriginDeg = 46 + 57.0 / 60 + 8.66 / 3600;
 inline constexpr double kSwissLonOriginDeg = 7 + 26.0 / 60 + 22.50 / 3600;
 inline constexpr double kSwissFalseEastingLv03 = 600000;

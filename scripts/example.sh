@@ -15,3 +15,12 @@ echo "== European 1950 -> WGS 84 (three-parameter shift)"
 echo "== DHDN -> WGS 84 (through the BeTA2007 grid when proj-data installed it)"
 "$velantis" datums | grep -i dhdn || true
 "$velantis" coord --from "geo:DHDN90" --to "geo:WGS 84" < data/examples/dhdn-points.txt
+echo "== WGS 84 -> UTM, MGRS and back"
+"$velantis" coord --from "geo:WGS 84" --to "utm:WGS 84" < data/examples/ed50-points.txt
+"$velantis" coord --from "geo:WGS 84" --to "mgrs:WGS 84" 41.4 2.17
+echo "31 T 430959.059 4583866.910" | "$velantis" coord --from "utm:WGS 84" --to "geo:WGS 84"
+echo "== OSGB36 -> British National Grid (Ordnance Survey's worked example: 651409.903 313177.270)"
+"$velantis" coord --from "geo:Ord Srvy Grt Britn" --to bng 52.657570306 1.717921583
+echo "== the notations"
+for n in 0 1 2 3; do "$velantis" format --notation "$n" 41.391666667 -2.175; done
+"$velantis" parse "41 23.5'N"

@@ -20,8 +20,8 @@ constexpr const char* kProjNationalGrid =
 
 TDatum Airy() { return MakeEllipsoid(kAiryA, kAiryRf); }
 
-// Ordnance Survey, "A guide to coordinate systems in Great Britain", worked example (Annexe
-// C): Caister water tower, OSGB36 52°39'27.2531" N 1°43'4.5177" E <-> E 651409.903,
+// Ordnance Survey, "A guide to coordinate systems in Great Britain", the worked example of its
+// transverse Mercator annexe: Caister water tower, OSGB36 52°39'27.2531" N 1°43'4.5177" E <-> E 651409.903,
 // N 313177.270. The forward meets the published millimetre; Caister is 3.7 degrees from the
 // central meridian, where the transverse Mercator inverse series are 2 mm short.
 TEST(BritishNationalGrid, OrdnanceSurveyWorkedExample) {

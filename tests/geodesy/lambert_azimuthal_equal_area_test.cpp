@@ -67,7 +67,7 @@ TEST(LambertAzimuthalEqualArea, PublishedAndProjVectors) {
   }
 }
 
-// IOGP Guidance Note 7-2 (2019), section 3.7.1 worked example, ETRS89 / LAEA Europe:
+// IOGP Guidance Note 7-2 (2019), method 9820 worked example, ETRS89 / LAEA Europe:
 // 50°N 5°E -> E 3962799.45, N 2999718.85 (given to the centimetre).
 TEST(LambertAzimuthalEqualArea, GuidanceNoteExampleBothWays) {
   const TLambertAzimuthalEqualArea laea(MakeEllipsoid(test::kGrs80A, test::kGrs80Rf), kLaeaEurope);

@@ -64,7 +64,7 @@ TEST(ObliqueStereographic, PublishedAndProjVectors) {
 }
 
 // Published points, both ways:
-// - IOGP Guidance Note 7-2 (2019), 3.3.2 example, Amersfoort / RD New: 53 N 6 E ->
+// - IOGP Guidance Note 7-2 (2019), method 9809 example, Amersfoort / RD New: 53 N 6 E ->
 //   E 196105.283, N 557057.739.
 // - The RD origin, Amersfoort (52°09'22.178" N, 5°23'15.500" E): 155000, 463000 by definition.
 TEST(ObliqueStereographic, PublishedPoints) {

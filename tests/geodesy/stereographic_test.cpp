@@ -56,10 +56,10 @@ TEST(Stereographic, ProjGieVectors) {
 }
 
 // Published points, both ways:
-// - IOGP Guidance Note 7-2 (2019), 3.3.3.1 example, WGS 84 / UPS North: 73 N 44 E ->
+// - IOGP Guidance Note 7-2 (2019), method 9810 example, WGS 84 / UPS North: 73 N 44 E ->
 //   E 3320416.75, N 632668.43.
-// - J. P. Snyder, "Map Projections: A Working Manual" (1987), p. 313, ellipsoidal oblique
-//   stereographic example: 30 N 90 W -> x 971630.8, y -1063049.3 (to the decimetre).
+// - J. P. Snyder, "Map Projections: A Working Manual" (1987), the numerical example of the
+//   ellipsoidal oblique stereographic: 30 N 90 W -> x 971630.8, y -1063049.3 (to the decimetre).
 // - PROJ's cs2cs test "stere without lat_ts" (test_cs2cs_various.yaml), WGS 84, origin 40 N
 //   10 E: 45 N 20 E -> 789468.08 602385.33.
 TEST(Stereographic, PublishedPoints) {
@@ -72,7 +72,7 @@ TEST(Stereographic, PublishedPoints) {
   const TCase cases[] = {
       {"GN 7-2 UPS North", test::kWgs84A, test::kWgs84Rf, kUpsNorth, 44, 73, 3320416.75, 632668.43,
        0.005},
-      {"Snyder p. 313", kClarke1866A, kClarke1866Rf, kSnyderOblique, -90, 30, 971630.8, -1063049.3,
+      {"Snyder example", kClarke1866A, kClarke1866Rf, kSnyderOblique, -90, 30, 971630.8, -1063049.3,
        0.05},
       {"PROJ cs2cs #147", test::kWgs84A, test::kWgs84Rf, {.lonOrigin = 10, .latOrigin = 40}, 20, 45,
        789468.08, 602385.33, 0.005},

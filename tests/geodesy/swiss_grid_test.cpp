@@ -26,7 +26,7 @@ constexpr const char* kProjLv03 =
 
 // Published points on CH1903 (Bessel 1841), both ways:
 // - swisstopo, "Formulas and constants for the calculation of the Swiss conformal
-//   cylindrical projection" (2016), section 3.3 example, Rigi: 47°03'28.95659233" N,
+//   cylindrical projection" (2016), the worked example, Rigi: 47°03'28.95659233" N,
 //   8°29'11.11127154" E <-> y 679520.05, x 212273.44 (given to the centimetre).
 // - The fundamental point, the old observatory of Bern: 600000, 200000 by definition.
 // - S. A. Voser, MapRef "Map Projections of Switzerland" (2001), sample point 1:
