@@ -30,19 +30,12 @@ void TBaliza::SetPosition(double lat, double lon) {
 }
 
 void TBaliza::SetAltitude(float metres) {
-  m_altitude = IsKnownAltitude(metres) ? metres : kAltitudeUnknownM;
-  Touch();
+  SetAndTouch(m_altitude, IsKnownAltitude(metres) ? metres : kAltitudeUnknownM);
 }
 
-void TBaliza::SetTime(TDateTime time) {
-  m_time = time;
-  Touch();
-}
+void TBaliza::SetTime(TDateTime time) { SetAndTouch(m_time, time); }
 
-void TBaliza::SetState(uint8_t state) {
-  m_state = state;
-  Touch();
-}
+void TBaliza::SetState(uint8_t state) { SetAndTouch(m_state, state); }
 
 void TBaliza::SetProximityAlarm(bool on) {
   SetState(on ? (m_state | kBalizaStateProximityBit) : (m_state & ~kBalizaStateProximityBit));
@@ -50,15 +43,9 @@ void TBaliza::SetProximityAlarm(bool on) {
 
 void TBaliza::ClearTransientMark() { m_state &= ~kBalizaStateTransientBit; }
 
-void TBaliza::SetSizeByte(uint8_t size) {
-  m_size = size;
-  Touch();
-}
+void TBaliza::SetSizeByte(uint8_t size) { SetAndTouch(m_size, size); }
 
-void TBaliza::SetDisplayFlags(uint8_t flags) {
-  m_displayFlags = flags;
-  Touch();
-}
+void TBaliza::SetDisplayFlags(uint8_t flags) { SetAndTouch(m_displayFlags, flags); }
 
 void TBaliza::SetDisplayMode(int mode) {
   SetDisplayFlags(static_cast<uint8_t>((m_displayFlags & ~0x07) | (mode & 0x07)));
@@ -73,18 +60,15 @@ void TBaliza::SetLabelPlacement(int placement) {
 }
 
 void TBaliza::SetLabelFontStep(int step) {
-  m_extra = static_cast<uint8_t>((m_extra & 0xF0) | (step & 0x0F));
-  Touch();
+  SetAndTouch(m_extra, static_cast<uint8_t>((m_extra & 0xF0) | (step & 0x0F)));
 }
 
 void TBaliza::SetDisplayScale(double threshold) {
-  m_displayScale = EncodeCompactReal(threshold);
-  Touch();
+  SetAndTouch(m_displayScale, EncodeCompactReal(threshold));
 }
 
 void TBaliza::SetProximityRadius(double metres) {
-  m_proximityRadius = EncodeCompactReal(metres);
-  Touch();
+  SetAndTouch(m_proximityRadius, EncodeCompactReal(metres));
 }
 
 void TBaliza::SetRawCompactReals(TCompactReal displayScale, TCompactReal proximityRadius) {
@@ -93,25 +77,13 @@ void TBaliza::SetRawCompactReals(TCompactReal displayScale, TCompactReal proximi
   Touch();
 }
 
-void TBaliza::SetLabelColour1(uint32_t rgb) {
-  m_colour1 = PackLabelColour(rgb);
-  Touch();
-}
+void TBaliza::SetLabelColour1(uint32_t rgb) { SetAndTouch(m_colour1, PackLabelColour(rgb)); }
 
-void TBaliza::SetLabelColour2(uint32_t rgb) {
-  m_colour2 = PackLabelColour(rgb);
-  Touch();
-}
+void TBaliza::SetLabelColour2(uint32_t rgb) { SetAndTouch(m_colour2, PackLabelColour(rgb)); }
 
-void TBaliza::SetSymbol(std::string name) {
-  m_symbol = std::move(name);
-  Touch();
-}
+void TBaliza::SetSymbol(std::string name) { SetAndTouch(m_symbol, std::move(name)); }
 
-void TBaliza::SetLink(std::string link) {
-  m_link = std::move(link);
-  Touch();
-}
+void TBaliza::SetLink(std::string link) { SetAndTouch(m_link, std::move(link)); }
 
 double TBaliza::EffectiveProximityRadius(const TConfig& config) const {
   if (!ProximityAlarm()) return 0.0;
@@ -184,15 +156,7 @@ bool TBaliza::IsPointField(int code) const { return IsBalizaField(code); }
 TFieldLookup TBaliza::PointField(int code, size_t, double& value) const { return FieldValue(code, value); }
 
 bool TBaliza::Retorna_Val_Campo_Global2(int code, double& value, std::string& error) const {
-  switch (FieldValue(code, value)) {
-    case TFieldLookup::Value:
-      return true;
-    case TFieldLookup::Absent:
-      value = FieldAbsentValue(code);
-      return true;
-    case TFieldLookup::Unknown:
-      break;
-  }
+  if (ResolveLookup(FieldValue(code, value), code, value)) return true;
   error = kUndefBalizaGlobal2;
   return false;
 }

@@ -37,14 +37,10 @@ TElementoGPS& TElementoGPS::operator=(const TElementoGPS& other) {
   return *this;
 }
 
-void TElementoGPS::SetName(std::string name) {
-  m_name = std::move(name);
-  Touch();
-}
+void TElementoGPS::SetName(std::string name) { SetAndTouch(m_name, std::move(name)); }
 
 void TElementoGPS::SetDescription(std::string description) {
-  m_description = std::move(description);
-  Touch();
+  SetAndTouch(m_description, std::move(description));
 }
 
 TPropertyList& TElementoGPS::EditProperties() {
@@ -60,8 +56,7 @@ void TElementoGPS::RemoveProperties() {
 }
 
 void TElementoGPS::SetLabel(const TTextLabel& label) {
-  m_label = std::make_unique<TTextLabel>(label);
-  Touch();
+  SetAndTouch(m_label, std::make_unique<TTextLabel>(label));
 }
 
 void TElementoGPS::RemoveLabel() {
@@ -80,7 +75,12 @@ bool TElementoGPS::Retorna_Val_Campo(int code, size_t index, double& value, std:
     error = kFieldIndexOutOfRange;
     return false;
   }
-  switch (PointField(code, index, value)) {
+  if (ResolveLookup(PointField(code, index, value), code, value)) return true;
+  return Retorna_Val_Campo_Global2(code, value, error);
+}
+
+bool TElementoGPS::ResolveLookup(TFieldLookup lookup, int code, double& value) {
+  switch (lookup) {
     case TFieldLookup::Value:
       return true;
     case TFieldLookup::Absent:
@@ -89,7 +89,27 @@ bool TElementoGPS::Retorna_Val_Campo(int code, size_t index, double& value, std:
     case TFieldLookup::Unknown:
       break;
   }
-  return Retorna_Val_Campo_Global2(code, value, error);
+  return false;
+}
+
+bool TElementoGPS::PointListField(int code, double& value) const {
+  switch (static_cast<TFieldCode>(code)) {
+    case TFieldCode::PointCount:
+      value = static_cast<double>(PointCount());
+      return true;
+    case TFieldCode::MinAltitude:
+    case TFieldCode::MaxAltitude: {
+      double lo = 0, hi = 0;
+      std::string ignored;
+      if (!Retorna_Extremos_Campo(static_cast<int>(TFieldCode::Altitude), lo, hi, ignored))
+        value = kAltitudeUnknownM;
+      else
+        value = code == static_cast<int>(TFieldCode::MinAltitude) ? lo : hi;
+      return true;
+    }
+    default:
+      return false;
+  }
 }
 
 bool TElementoGPS::Retorna_Extremos_Campo(int code, double& minimum, double& maximum, std::string& error) const {

@@ -19,6 +19,8 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "core/field_codes.h"
 #include "core/property_list.h"
@@ -82,6 +84,49 @@ protected:
   // One point's field, for a point code and an index below PointCount().
   virtual TFieldLookup PointField(int code, size_t index, double& value) const;
   void Touch() { m_modified = true; }
+  // The element fields every list of points answers: PointCount, and
+  // MinAltitude and MaxAltitude (the smallest or largest altitude of the
+  // points, the unknown altitude when none has one); false for other codes.
+  bool PointListField(int code, double& value) const;
+  // A point field's value once looked up: true with the value, or with
+  // FieldAbsentValue when the point has none; false when the code is not
+  // answered there.
+  static bool ResolveLookup(TFieldLookup lookup, int code, double& value);
+  // Sets a member and marks the element modified.
+  template <typename TField, typename TValue>
+  void SetAndTouch(TField& field, TValue&& value) {
+    field = std::forward<TValue>(value);
+    Touch();
+  }
+  // Edits of a list of points: an erase (false when index is past the end)
+  // and a clear, each marking the element modified when it changes the list.
+  template <typename TPoint>
+  bool ErasePoint(std::vector<TPoint>& points, size_t index) {
+    if (index >= points.size()) return false;
+    points.erase(points.begin() + static_cast<std::ptrdiff_t>(index));
+    Touch();
+    return true;
+  }
+  template <typename TPoint>
+  void ClearPoints(std::vector<TPoint>& points) {
+    if (points.empty()) return;
+    points.clear();
+    Touch();
+  }
+  // Modified and MarkAsSaved of an element holding elements (elementOf gives
+  // the element of a point): its own flag and those of its points.
+  template <typename TPoint, typename TElementOf>
+  bool ModifiedWithPoints(const std::vector<TPoint>& points, TElementOf elementOf) const {
+    if (TElementoGPS::Modified()) return true;
+    for (const TPoint& p : points)
+      if (elementOf(p).Modified()) return true;
+    return false;
+  }
+  template <typename TPoint, typename TElementOf>
+  void MarkAsSavedWithPoints(std::vector<TPoint>& points, TElementOf elementOf) {
+    TElementoGPS::MarkAsSaved();
+    for (TPoint& p : points) elementOf(p).MarkAsSaved();
+  }
 
 private:
   std::string m_name;

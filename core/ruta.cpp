@@ -14,18 +14,9 @@ void TRuta::Add(TBaliza baliza, std::vector<TShapePoint> shape) {
   Touch();
 }
 
-bool TRuta::Remove(size_t index) {
-  if (index >= m_points.size()) return false;
-  m_points.erase(m_points.begin() + static_cast<std::ptrdiff_t>(index));
-  Touch();
-  return true;
-}
+bool TRuta::Remove(size_t index) { return ErasePoint(m_points, index); }
 
-void TRuta::Clear() {
-  if (m_points.empty()) return;
-  m_points.clear();
-  Touch();
-}
+void TRuta::Clear() { ClearPoints(m_points); }
 
 TBoundingBox TRuta::Extent() const {
   TBoundingBox box;
@@ -58,15 +49,11 @@ double TRuta::DistanceTo(size_t index) const {
 double TRuta::TotalDistance() const { return m_points.empty() ? 0.0 : DistanceTo(m_points.size() - 1); }
 
 bool TRuta::Modified() const {
-  if (TElementoGPS::Modified()) return true;
-  for (const TRoutePoint& p : m_points)
-    if (p.baliza.Modified()) return true;
-  return false;
+  return ModifiedWithPoints(m_points, [](const TRoutePoint& p) -> const TBaliza& { return p.baliza; });
 }
 
 void TRuta::MarkAsSaved() {
-  TElementoGPS::MarkAsSaved();
-  for (TRoutePoint& p : m_points) p.baliza.MarkAsSaved();
+  MarkAsSavedWithPoints(m_points, [](TRoutePoint& p) -> TBaliza& { return p.baliza; });
 }
 
 bool TRuta::IsPointField(int code) const {
@@ -105,27 +92,13 @@ bool TRuta::Retorna_Val_Campo_Baliza(int code, size_t index, double& value, std:
 }
 
 bool TRuta::Retorna_Val_Campo_Global2(int code, double& value, std::string& error) const {
-  switch (static_cast<TFieldCode>(code)) {
-    case TFieldCode::PointCount:
-      value = static_cast<double>(m_points.size());
-      return true;
-    case TFieldCode::TotalDistance:
-      value = TotalDistance();
-      return true;
-    case TFieldCode::MinAltitude:
-    case TFieldCode::MaxAltitude: {
-      double lo = 0, hi = 0;
-      std::string ignored;
-      if (!Retorna_Extremos_Campo(static_cast<int>(TFieldCode::Altitude), lo, hi, ignored))
-        value = kAltitudeUnknownM;
-      else
-        value = code == static_cast<int>(TFieldCode::MinAltitude) ? lo : hi;
-      return true;
-    }
-    default:
-      error = kUndefRutaGlobal2;
-      return false;
+  if (PointListField(code, value)) return true;
+  if (code == static_cast<int>(TFieldCode::TotalDistance)) {
+    value = TotalDistance();
+    return true;
   }
+  error = kUndefRutaGlobal2;
+  return false;
 }
 
 }  // namespace velantis

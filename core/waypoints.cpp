@@ -13,18 +13,9 @@ void TWaypoints::Insert(size_t index, TBaliza baliza) {
   Touch();
 }
 
-bool TWaypoints::Remove(size_t index) {
-  if (index >= m_balizas.size()) return false;
-  m_balizas.erase(m_balizas.begin() + static_cast<std::ptrdiff_t>(index));
-  Touch();
-  return true;
-}
+bool TWaypoints::Remove(size_t index) { return ErasePoint(m_balizas, index); }
 
-void TWaypoints::Clear() {
-  if (m_balizas.empty()) return;
-  m_balizas.clear();
-  Touch();
-}
+void TWaypoints::Clear() { ClearPoints(m_balizas); }
 
 TBoundingBox TWaypoints::Extent() const {
   TBoundingBox box;
@@ -33,15 +24,11 @@ TBoundingBox TWaypoints::Extent() const {
 }
 
 bool TWaypoints::Modified() const {
-  if (TElementoGPS::Modified()) return true;
-  for (const TBaliza& b : m_balizas)
-    if (b.Modified()) return true;
-  return false;
+  return ModifiedWithPoints(m_balizas, [](const TBaliza& b) -> const TBaliza& { return b; });
 }
 
 void TWaypoints::MarkAsSaved() {
-  TElementoGPS::MarkAsSaved();
-  for (TBaliza& b : m_balizas) b.MarkAsSaved();
+  MarkAsSavedWithPoints(m_balizas, [](TBaliza& b) -> TBaliza& { return b; });
 }
 
 bool TWaypoints::Retorna_Val_Campo(int code, size_t index, double& value, std::string& error) const {
@@ -59,24 +46,9 @@ TFieldLookup TWaypoints::PointField(int code, size_t index, double& value) const
 }
 
 bool TWaypoints::Retorna_Val_Campo_Global2(int code, double& value, std::string& error) const {
-  switch (static_cast<TFieldCode>(code)) {
-    case TFieldCode::PointCount:
-      value = static_cast<double>(m_balizas.size());
-      return true;
-    case TFieldCode::MinAltitude:
-    case TFieldCode::MaxAltitude: {
-      double lo = 0, hi = 0;
-      std::string ignored;
-      if (!Retorna_Extremos_Campo(static_cast<int>(TFieldCode::Altitude), lo, hi, ignored))
-        value = kAltitudeUnknownM;
-      else
-        value = code == static_cast<int>(TFieldCode::MinAltitude) ? lo : hi;
-      return true;
-    }
-    default:
-      error = kUndefWaypointsGlobal2;
-      return false;
-  }
+  if (PointListField(code, value)) return true;
+  error = kUndefWaypointsGlobal2;
+  return false;
 }
 
 }  // namespace velantis

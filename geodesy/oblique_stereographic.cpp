@@ -3,15 +3,13 @@
 #include <cmath>
 #include <numbers>
 
+#include "geodesy/sphere_stereographic.h"
+
 namespace velantis {
 
 namespace {
 
 constexpr double kRadiansPerDegree = std::numbers::pi / 180;
-// 1 + cos(c) for the angular distance c from the origin on the sphere: below
-// this the point is the antipode, projected at infinity (a point 1e-10 of
-// this away lands some 10^12 m out, far beyond any use).
-constexpr double kAntipodeTolerance = 1e-10;
 constexpr const char* kForwardError = "error in Grados_a_ObliqueStereographic";
 constexpr const char* kInverseError = "error in ObliqueStereographic_a_Grados";
 constexpr const char* kParameterError = "error in ObliqueStereographic parameters";
@@ -47,18 +45,13 @@ bool TObliqueStereographic::Forward(const TLonLat& geo, TPlanePoint& plane, std:
   const double dLon = std::remainder(geo.lon * kRadiansPerDegree - m_lon0, 2 * std::numbers::pi);
   const double lambda = m_sphere.LongitudeScale() * dLon;
   const TSpherePoint point = m_sphere.ToSphere(geo.lat * kRadiansPerDegree);
-  const TSpherePoint& origin = m_sphere.Origin();
-  const double cosLambda = std::cos(lambda);
-  const double onePlusCos =
-      1 + point.sinChi * origin.sinChi + point.cosChi * origin.cosChi * cosLambda;
-  if (!(onePlusCos >= kAntipodeTolerance)) {
+  double dx = 0, dy = 0;
+  if (!SphereStereographicForward(m_sphere.Origin(), m_diameter, point, lambda, dx, dy)) {
     message = kForwardError;
     return false;
   }
-  const double k = m_diameter / onePlusCos;
-  plane.x = m_falseEasting + k * point.cosChi * std::sin(lambda);
-  plane.y = m_falseNorthing +
-            k * (point.sinChi * origin.cosChi - point.cosChi * origin.sinChi * cosLambda);
+  plane.x = m_falseEasting + dx;
+  plane.y = m_falseNorthing + dy;
   return true;
 }
 
@@ -79,21 +72,13 @@ bool TObliqueStereographic::Inverse(const TPlanePoint& plane, TLonLat& geo, std:
     geo.lon = std::remainder(m_lon0 / kRadiansPerDegree, 360.0);
     return true;
   }
-  // c is the angular distance from the origin: rho = 2 R k0 tan(c / 2).
-  const double c = 2 * std::atan(rho / m_diameter);
-  const double sinC = std::sin(c), cosC = std::cos(c);
-  const TSpherePoint& origin = m_sphere.Origin();
-  // The point's unit vector in the meridian frame of the origin; the
-  // cosine of its latitude comes from two components, never from 1 - sin^2.
-  const double north = cosC * origin.cosChi - dy / rho * sinC * origin.sinChi;
-  const double east = dx / rho * sinC;
-  TSpherePoint point{cosC * origin.sinChi + dy / rho * sinC * origin.cosChi, std::hypot(north, east)};
+  const TSphereDirection d = SphereStereographicInverse(m_sphere.Origin(), m_diameter, dx, dy, rho);
   double phi = 0;
-  if (!m_sphere.FromSphere(point, phi)) {
+  if (!m_sphere.FromSphere({d.sinChi, std::hypot(d.north, d.east)}, phi)) {
     message = kInverseError;
     return false;
   }
-  const double lambda = m_lon0 + std::atan2(east, north) / m_sphere.LongitudeScale();
+  const double lambda = m_lon0 + std::atan2(d.east, d.north) / m_sphere.LongitudeScale();
   geo.lon = std::remainder(lambda / kRadiansPerDegree, 360.0);
   geo.lat = phi / kRadiansPerDegree;
   return true;

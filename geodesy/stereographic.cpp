@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "geodesy/isometric_latitude.h"
+#include "geodesy/sphere_stereographic.h"
 
 namespace velantis {
 
@@ -13,8 +14,6 @@ constexpr double kRadiansPerDegree = std::numbers::pi / 180;
 // A latitude of origin this close to 90 degrees is the pole: the oblique
 // formulas divide cos(phi1) by cos(chi1), both then mere round-off.
 constexpr double kPolarOriginToleranceDeg = 1e-10;
-// 1 + cos(c) below which a point is the antipode of an oblique origin.
-constexpr double kAntipodeTolerance = 1e-10;
 constexpr const char* kForwardError = "error in Grados_a_Stereographic";
 constexpr const char* kInverseError = "error in Stereographic_a_Grados";
 constexpr const char* kParameterError = "error in Stereographic parameters";
@@ -39,11 +38,10 @@ TStereographic::TStereographic(const TDatum& ellipsoid, const TProjectionParams&
   }
   const double phi1 = params.latOrigin * kRadiansPerDegree;
   const double psi1 = IsometricLatitude(phi1, e);
-  m_sinChi1 = std::tanh(psi1);
-  m_cosChi1 = 1 / std::cosh(psi1);
+  m_origin = {std::tanh(psi1), 1 / std::cosh(psi1)};
   const double sinPhi1 = std::sin(phi1);
   const double m1 = std::cos(phi1) / std::sqrt(1 - ellipsoid.e2 * sinPhi1 * sinPhi1);
-  m_scale = 2 * a * k0 * m1 / m_cosChi1;
+  m_scale = 2 * a * k0 * m1 / m_origin.cosChi;
 }
 
 bool TStereographic::Forward(const TLonLat& geo, TPlanePoint& plane, std::string& message) const {
@@ -67,15 +65,14 @@ bool TStereographic::Forward(const TLonLat& geo, TPlanePoint& plane, std::string
     plane.y = m_falseNorthing - m_pole * rho * cosLon;
     return true;
   }
-  const double sinChi = std::tanh(psi), cosChi = 1 / std::cosh(psi);
-  const double onePlusCos = 1 + m_sinChi1 * sinChi + m_cosChi1 * cosChi * cosLon;
-  if (!(onePlusCos >= kAntipodeTolerance)) {
+  double dx = 0, dy = 0;
+  if (!SphereStereographicForward(m_origin, m_scale, {std::tanh(psi), 1 / std::cosh(psi)}, dLon, dx,
+                                  dy)) {
     message = kForwardError;
     return false;
   }
-  const double k = m_scale / onePlusCos;
-  plane.x = m_falseEasting + k * cosChi * sinLon;
-  plane.y = m_falseNorthing + k * (m_cosChi1 * sinChi - m_sinChi1 * cosChi * cosLon);
+  plane.x = m_falseEasting + dx;
+  plane.y = m_falseNorthing + dy;
   return true;
 }
 
@@ -101,14 +98,9 @@ bool TStereographic::Inverse(const TPlanePoint& plane, TLonLat& geo, std::string
     psi = -m_pole * std::log(rho / m_scale);
     dLon = std::atan2(dx, -m_pole * dy);
   } else {
-    // c is the angular distance from the origin on the conformal sphere.
-    const double c = 2 * std::atan(rho / m_scale);
-    const double sinC = std::sin(c), cosC = std::cos(c);
-    const double sinChi = cosC * m_sinChi1 + dy / rho * sinC * m_cosChi1;
-    const double north = cosC * m_cosChi1 - dy / rho * sinC * m_sinChi1;
-    const double east = dx / rho * sinC;
-    psi = std::asinh(sinChi / std::hypot(north, east));
-    dLon = std::atan2(east, north);
+    const TSphereDirection d = SphereStereographicInverse(m_origin, m_scale, dx, dy, rho);
+    psi = std::asinh(d.sinChi / std::hypot(d.north, d.east));
+    dLon = std::atan2(d.east, d.north);
   }
   double phi = 0;
   if (!LatitudeOfIsometric(psi, m_e, phi)) {

@@ -29,6 +29,7 @@
 
 #include <string>
 
+#include "geodesy/gauss_conformal_sphere.h"
 #include "geodesy/projection.h"
 
 namespace velantis {
@@ -48,7 +49,7 @@ private:
   double m_e;
   int m_pole = 0;  // +1 north polar origin, -1 south polar, 0 oblique
   double m_scale = 0;  // polar: 2 a k0 / sqrt(...); oblique: 2 a k0 m1 / cos chi1
-  double m_sinChi1 = 0, m_cosChi1 = 1;  // conformal latitude of the origin
+  TSpherePoint m_origin;                // conformal latitude of the origin
   double m_lat0;                        // degrees
   double m_lon0;                        // radians
   double m_falseEasting;

@@ -6,8 +6,7 @@
 #include <limits>
 
 #include "geodesy/national_grid_letters.h"
-#include "tests/geodesy/azimuthal_grid_checks.h"
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/proj_sweep.h"
 
 namespace velantis {
 namespace {
@@ -53,12 +52,9 @@ TEST(BritishNationalGrid, AgreesWithProjAcrossGreatBritain) {
   };
   for (const auto& band : bands) {
     SCOPED_TRACE(testing::Message() << band.span.lonFrom << ".." << band.span.lonTo);
-    const test::TGridReport report = test::CompareWithProj(grid, definition, band.span);
-    EXPECT_GT(report.points, 1000);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, band.forwardMetres);
-    EXPECT_LT(report.maxInverseDegrees, band.inverseDegrees);
+    EXPECT_GT(test::ExpectAgreesWithProj(grid, definition, band.span, band.forwardMetres,
+                                         band.inverseDegrees),
+              1000);
   }
 }
 
@@ -69,12 +65,7 @@ TEST(BritishNationalGrid, AgreesWithProjAcrossGreatBritain) {
 // - NH0325: 3 km east and 25 km north of NH's corner, 203000, 825000 (OS).
 // - The corners: SV's south-west is the false origin; HP and JM hold the last squares.
 TEST(BritishNationalGrid, FormatsAndParsesPublishedReferences) {
-  const struct {
-    double easting, northing;
-    int precision;
-    const char* text;
-    double cornerEasting, cornerNorthing;  // what the text parses to
-  } cases[] = {
+  const test::TGridReferenceCase cases[] = {
       {651409.903, 313177.270, 1, "TG 51409 13177", 651409, 313177},
       {651409.903, 313177.270, 10, "TG 5140 1317", 651400, 313170},
       {651409.903, 313177.270, 100, "TG 514 131", 651400, 313100},
@@ -89,18 +80,7 @@ TEST(BritishNationalGrid, FormatsAndParsesPublishedReferences) {
       {699999.5, 1299999.5, 10000, "JM 9 9", 690000, 1290000},
       {100000, 500000, 1000, "NW 00 00", 100000, 500000},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    std::string text, message;
-    ASSERT_TRUE(FormatBritishGridReference({c.easting, c.northing}, c.precision, text, message)) << message;
-    EXPECT_EQ(text, c.text);
-    TPlanePoint grid{-1, -1};
-    int precision = 0;
-    ASSERT_TRUE(ParseBritishGridReference(c.text, grid, message, &precision)) << message;
-    EXPECT_EQ(grid.x, c.cornerEasting);
-    EXPECT_EQ(grid.y, c.cornerNorthing);
-    EXPECT_EQ(precision, c.precision);
-  }
+  test::ExpectGridReferences(FormatBritishGridReference, ParseBritishGridReference, cases);
 }
 
 TEST(BritishNationalGrid, ParsesTheUsualWritings) {

@@ -8,30 +8,21 @@
 #include "geodesy/lista_datums.h"
 #include "geodesy/molodensky.h"
 #include "tests/support/proj_reference.h"
+#include "tests/support/proj_sweep.h"
 
 namespace velantis {
 namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
 
-TDatum Datum(const char* name, double a, double invF, double dx, double dy, double dz) {
-  TDatum d;
-  d.name = name;
-  d.a = a;
-  d.invFlattening = invF;
-  d.dX = dx;
-  d.dY = dy;
-  d.dZ = dz;
-  d.ComputeDerived();
-  return d;
-}
+using test::MakeDatum;
 
 // Published NIMA TR8350.2 parameters (mean values) of a few datums.
-const TDatum kWgs84 = Datum("WGS 84", 6378137, 298.257223563, 0, 0, 0);
-const TDatum kEuropean1950 = Datum("European 1950", 6378388, 297, -87, -98, -121);
-const TDatum kNad27 = Datum("NAD27 CONUS", 6378206.4, 294.9786982, -8, 160, 176);
-const TDatum kOsgb36 = Datum("Ord Srvy Grt Britn", 6377563.396, 299.3249646, 375, -111, 431);
-const TDatum kTokyo = Datum("Tokyo", 6377397.155, 299.1528128, -148, 507, 685);
+const TDatum kWgs84 = MakeDatum("WGS 84", 6378137, 298.257223563, 0, 0, 0);
+const TDatum kEuropean1950 = MakeDatum("European 1950", 6378388, 297, -87, -98, -121);
+const TDatum kNad27 = MakeDatum("NAD27 CONUS", 6378206.4, 294.9786982, -8, 160, 176);
+const TDatum kOsgb36 = MakeDatum("Ord Srvy Grt Britn", 6377563.396, 299.3249646, 375, -111, 431);
+const TDatum kTokyo = MakeDatum("Tokyo", 6377397.155, 299.1528128, -148, 507, 685);
 
 std::string MolodenskyDefinition(const TDatum& from, const TDatum& to) {
   char text[256];

@@ -6,7 +6,8 @@
 
 #include "geodesy/lista_datums.h"
 #include "tests/geodesy/builtin_datums.h"
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -72,13 +73,7 @@ TEST(FranceLambert, AgreesWithProjOverFrance) {
   for (const auto& row : rows) {
     SCOPED_TRACE(row.proj);
     const TFranceLambert grid(DatumOf(row.zone), row.zone);
-    const test::TGridReport report =
-        test::CompareWithProj(grid, row.proj, {-6, 10, 0.5, 41, 52, 0.25});
-    EXPECT_EQ(report.points, 33 * 45);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, 0.001);
-    EXPECT_LT(report.maxInverseDegrees, 1e-8);
+    EXPECT_EQ(test::ExpectAgreesWithProj(grid, row.proj, {-6, 10, 0.5, 41, 52, 0.25}), 33 * 45);
   }
 }
 
@@ -101,14 +96,8 @@ TEST(FranceLambert, GigsLambertTwoEtendu) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.operation);
-    test::TGieReport report;
-    std::string error;
-    ASSERT_TRUE(test::RunGieOperation(
-        path, {row.operation, row.isInverse, test::TGieAngles::GradsFromParis}, grid,
-        test::kClarkeIgnA, report, error))
-        << error;
-    EXPECT_EQ(report.cases, row.cases);
-    for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
+    test::ExpectGieCases(path, {row.operation, row.isInverse, test::TGieAngles::GradsFromParis},
+                         grid, test::kClarkeIgnA, row.cases);
   }
 }
 

@@ -5,8 +5,7 @@
 #include <cmath>
 
 #include "geodesy/national_grid_letters.h"
-#include "tests/geodesy/azimuthal_grid_checks.h"
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/proj_sweep.h"
 
 namespace velantis {
 namespace {
@@ -38,27 +37,18 @@ TEST(IrishGrid, TrueOriginIsInLoughRee) {
 TEST(IrishGrid, AgreesWithProjAcrossIreland) {
   const TDatum airy = AiryModified();
   const TIrishGrid grid(airy);
-  const test::TGridReport report = test::CompareWithProj(
-      grid,
-      "+proj=tmerc +lat_0=53.5 +lon_0=-8 +k=1.000035 +x_0=200000 +y_0=250000 " + test::ProjEllipsoid(airy),
-      {-11, -5, 0.25, 51, 56, 0.25});
-  EXPECT_EQ(report.points, 25 * 21);
-  EXPECT_EQ(report.refusedByProj, 0);
-  EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-  EXPECT_LT(report.maxForwardMetres, 0.001);
-  EXPECT_LT(report.maxInverseDegrees, 1e-8);
+  EXPECT_EQ(test::ExpectAgreesWithProj(grid,
+                                       "+proj=tmerc +lat_0=53.5 +lon_0=-8 +k=1.000035 +x_0=200000 "
+                                       "+y_0=250000 " + test::ProjEllipsoid(airy),
+                                       {-11, -5, 0.25, 51, 56, 0.25}),
+            25 * 21);
 }
 
 // Published Irish references, both ways: the true origin N 000 500; Howth, "O 285 376"
 // (S. Stewart, "Information about Grid References"); "G0305", 3 km east and 5 km north of
 // square G's corner; "O 15 34" in Dublin.
 TEST(IrishGrid, FormatsAndParsesPublishedReferences) {
-  const struct {
-    double easting, northing;
-    int precision;
-    const char* text;
-    double cornerEasting, cornerNorthing;
-  } cases[] = {
+  const test::TGridReferenceCase cases[] = {
       {200000, 250000, 100, "N 000 500", 200000, 250000},
       {328512.3, 237688.8, 100, "O 285 376", 328500, 237600},
       {103000, 305000, 1000, "G 03 05", 103000, 305000},
@@ -68,18 +58,7 @@ TEST(IrishGrid, FormatsAndParsesPublishedReferences) {
       {0, 0, 10, "V 0000 0000", 0, 0},
       {499999.9, 499999.9, 1, "E 99999 99999", 499999, 499999},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    std::string text, message;
-    ASSERT_TRUE(FormatIrishGridReference({c.easting, c.northing}, c.precision, text, message)) << message;
-    EXPECT_EQ(text, c.text);
-    TPlanePoint grid{-1, -1};
-    int precision = 0;
-    ASSERT_TRUE(ParseIrishGridReference(c.text, grid, message, &precision)) << message;
-    EXPECT_EQ(grid.x, c.cornerEasting);
-    EXPECT_EQ(grid.y, c.cornerNorthing);
-    EXPECT_EQ(precision, c.precision);
-  }
+  test::ExpectGridReferences(FormatIrishGridReference, ParseIrishGridReference, cases);
   TPlanePoint grid;
   std::string message;
   ASSERT_TRUE(ParseIrishGridReference("G0305", grid, message)) << message;

@@ -6,7 +6,8 @@
 #include <limits>
 #include <numbers>
 
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -24,15 +25,7 @@ const TProjectionParams kLaeaEurope{.lonOrigin = 10, .latOrigin = 52, .falseEast
 // PROJ's builtins.gie (PROJ @ 52da98bd99) and the IOGP GIGS 5110 series, which PROJ itself
 // keeps as failing because its inverse series drift in the 1000-fold round trips; the
 // exact inverse here must pass them all.
-struct TGieRow {
-  const char* file;
-  test::TGieOperation operation;
-  double a, rf;
-  TProjectionParams params;
-  int cases;  // how many checks the operation holds, so that none is skipped unseen
-};
-
-const TGieRow kGieRows[] = {
+const test::TGieRow kGieRows[] = {
     {"gie/builtins.gie", {"+proj=laea +ellps=GRS80"}, test::kGrs80A, test::kGrs80Rf, {}, 12},
     {"gie/builtins.gie", {"+proj=laea +R=6400000"}, 6400000, 0, {}, 9},
     {"gie/builtins.gie", {"+proj=laea +R=1 +lat_0=45"}, 1, 0, {.latOrigin = 45}, 7},
@@ -55,16 +48,7 @@ const TGieRow kGieRows[] = {
 };
 
 TEST(LambertAzimuthalEqualArea, PublishedAndProjVectors) {
-  for (const TGieRow& row : kGieRows) {
-    SCOPED_TRACE(std::string(row.file) + " " + row.operation.operation);
-    VELANTIS_TESTDATA_OR_SKIP(path, row.file);
-    const TLambertAzimuthalEqualArea laea(MakeEllipsoid(row.a, row.rf), row.params);
-    test::TGieReport report;
-    std::string error;
-    ASSERT_TRUE(test::RunGieOperation(path, row.operation, laea, row.a, report, error)) << error;
-    EXPECT_EQ(report.cases, row.cases);
-    for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
-  }
+  test::ExpectGieRows<TLambertAzimuthalEqualArea>(kGieRows);
 }
 
 // IOGP Guidance Note 7-2 (2019), method 9820 worked example, ETRS89 / LAEA Europe:
@@ -85,14 +69,7 @@ TEST(LambertAzimuthalEqualArea, GuidanceNoteExampleBothWays) {
 
 // Against PROJ over each aspect's hemisphere: forward within 1 mm, our inverse of PROJ's plane
 // point within 1e-8 degrees.
-struct TGridRow {
-  double a, rf;
-  TProjectionParams params;
-  const char* proj;  // the same projection in PROJ's words, ellipsoid added
-  test::TGridSpan span;
-};
-
-const TGridRow kGridRows[] = {
+const test::TProjGridRow kGridRows[] = {
     {test::kGrs80A, test::kGrs80Rf, kLaeaEurope,
      "+proj=laea +lat_0=52 +lon_0=10 +x_0=4321000 +y_0=3210000", {-30, 50, 5, 25, 80, 5}},
     {test::kWgs84A, test::kWgs84Rf, {.lonOrigin = -40, .latOrigin = 90},
@@ -108,18 +85,7 @@ const TGridRow kGridRows[] = {
 };
 
 TEST(LambertAzimuthalEqualArea, AgreesWithProjOverItsHemisphere) {
-  for (const TGridRow& row : kGridRows) {
-    const TDatum ellipsoid = MakeEllipsoid(row.a, row.rf);
-    const std::string definition = std::string(row.proj) + " " + test::ProjEllipsoid(ellipsoid);
-    SCOPED_TRACE(definition);
-    const TLambertAzimuthalEqualArea laea(ellipsoid, row.params);
-    const test::TGridReport report = test::CompareWithProj(laea, definition, row.span);
-    EXPECT_GT(report.points, 150);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, 0.001);
-    EXPECT_LT(report.maxInverseDegrees, 1e-8);
-  }
+  EXPECT_GT(test::ExpectGridRowsAgreeWithProj<TLambertAzimuthalEqualArea>(kGridRows), 150);
 }
 
 // The hard places of the inverse: a hair from a polar origin, a hair from the pole with an

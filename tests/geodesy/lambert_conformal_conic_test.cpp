@@ -6,7 +6,8 @@
 #include <limits>
 #include <numbers>
 
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -80,16 +81,9 @@ const TGieRow kGieRows[] = {
 };
 
 TEST(LambertConformalConic, PublishedAndProjVectors) {
-  for (const TGieRow& row : kGieRows) {
-    SCOPED_TRACE(std::string(row.file) + " " + row.operation.operation);
-    VELANTIS_TESTDATA_OR_SKIP(path, row.file);
-    const TLambertConformalConic lambert(MakeEllipsoid(row.a, row.rf), row.params, row.variant);
-    test::TGieReport report;
-    std::string error;
-    ASSERT_TRUE(test::RunGieOperation(path, row.operation, lambert, row.a, report, error)) << error;
-    EXPECT_EQ(report.cases, row.cases);
-    for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
-  }
+  test::ExpectGieRows(std::span<const TGieRow>(kGieRows), [](const TGieRow& row) {
+    return TLambertConformalConic(MakeEllipsoid(row.a, row.rf), row.params, row.variant);
+  });
 }
 
 // IGN, NTG_71 "Projection cartographique conique conforme de Lambert", test sets ALG0003
@@ -157,12 +151,7 @@ TEST(LambertConformalConic, AgreesWithProjOverTheCone) {
     const std::string definition = std::string(row.proj) + " " + test::ProjEllipsoid(ellipsoid);
     SCOPED_TRACE(definition);
     const TLambertConformalConic lambert(ellipsoid, row.params, row.variant);
-    const test::TGridReport report = test::CompareWithProj(lambert, definition, row.span);
-    EXPECT_GE(report.points, 625);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, 0.001);
-    EXPECT_LT(report.maxInverseDegrees, 1e-8);
+    EXPECT_GE(test::ExpectAgreesWithProj(lambert, definition, row.span), 625);
   }
 }
 
@@ -199,19 +188,7 @@ TEST(LambertConformalConic, RefusesWhatHasNoImageAndLeavesTheOutput) {
   for (const TFailureRow& row : kFailureRows) {
     SCOPED_TRACE(testing::Message() << row.message << " " << row.first << " " << row.second);
     const TLambertConformalConic lambert(grs80, row.params, row.variant);
-    std::string message;
-    if (row.inverse) {
-      TLonLat geo{1.5, 2.5};
-      EXPECT_FALSE(lambert.Inverse({row.first, row.second}, geo, message));
-      EXPECT_EQ(geo.lon, 1.5);
-      EXPECT_EQ(geo.lat, 2.5);
-    } else {
-      TPlanePoint plane{1.5, 2.5};
-      EXPECT_FALSE(lambert.Forward({row.first, row.second}, plane, message));
-      EXPECT_EQ(plane.x, 1.5);
-      EXPECT_EQ(plane.y, 2.5);
-    }
-    EXPECT_EQ(message, row.message);
+    test::ExpectRefusal(lambert, row.inverse, row.first, row.second, row.message);
   }
 }
 

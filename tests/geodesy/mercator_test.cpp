@@ -7,7 +7,8 @@
 #include <limits>
 #include <memory>
 
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -65,17 +66,9 @@ const TGieRow kGieRows[] = {
 };
 
 TEST(Mercator, PublishedAndProjVectors) {
-  for (const TGieRow& row : kGieRows) {
-    SCOPED_TRACE(std::string(row.file) + " " + row.operation.operation);
-    VELANTIS_TESTDATA_OR_SKIP(path, row.file);
-    const TMercator mercator(MakeEllipsoid(row.a, row.rf), row.params, row.variant);
-    test::TGieReport report;
-    std::string error;
-    ASSERT_TRUE(test::RunGieOperation(path, row.operation, mercator, row.a, report, error))
-        << error;
-    EXPECT_EQ(report.cases, row.cases);
-    for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
-  }
+  test::ExpectGieRows(std::span<const TGieRow>(kGieRows), [](const TGieRow& row) {
+    return TMercator(MakeEllipsoid(row.a, row.rf), row.params, row.variant);
+  });
 }
 
 // Against PROJ over the whole map, on several ellipsoids: forward within 1 mm and our inverse
@@ -112,12 +105,7 @@ TEST(Mercator, AgreesWithProjOverTheMap) {
     const std::string definition = std::string(row.proj) + " " + test::ProjEllipsoid(ellipsoid);
     SCOPED_TRACE(definition);
     const TMercator mercator(ellipsoid, row.params, row.variant);
-    const test::TGridReport report = test::CompareWithProj(mercator, definition, span);
-    EXPECT_EQ(report.points, 29 * 35);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, 0.001);
-    EXPECT_LT(report.maxInverseDegrees, 1e-8);
+    EXPECT_EQ(test::ExpectAgreesWithProj(mercator, definition, span), 29 * 35);
   }
 }
 
@@ -168,19 +156,7 @@ TEST(Mercator, RefusesPolesAndBadParametersAndLeavesTheOutput) {
   for (const TFailureRow& row : kFailureRows) {
     SCOPED_TRACE(testing::Message() << row.message << " " << row.first << " " << row.second);
     const TMercator mercator(wgs84, row.params, row.variant);
-    std::string message;
-    if (row.inverse) {
-      TLonLat geo{1.5, 2.5};
-      EXPECT_FALSE(mercator.Inverse({row.first, row.second}, geo, message));
-      EXPECT_EQ(geo.lon, 1.5);
-      EXPECT_EQ(geo.lat, 2.5);
-    } else {
-      TPlanePoint plane{1.5, 2.5};
-      EXPECT_FALSE(mercator.Forward({row.first, row.second}, plane, message));
-      EXPECT_EQ(plane.x, 1.5);
-      EXPECT_EQ(plane.y, 2.5);
-    }
-    EXPECT_EQ(message, row.message);
+    test::ExpectRefusal(mercator, row.inverse, row.first, row.second, row.message);
   }
 }
 

@@ -6,33 +6,17 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <numbers>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
 namespace {
 
-constexpr double kDegree = std::numbers::pi / 180;
-
-TDatum Ellipsoid(double a, double rf) {
-  TDatum d;
-  d.a = a;
-  d.invFlattening = rf;
-  d.ComputeDerived();
-  return d;
-}
-
-const TDatum kWgs84 = Ellipsoid(6378137, 298.257223563);
-
-double GroundMetres(const TLonLat& one, const TLonLat& other) {
-  const double dLat = (one.lat - other.lat) * kDegree * kWgs84.a;
-  const double dLon = std::remainder(one.lon - other.lon, 360.0) * kDegree * kWgs84.a * std::cos(one.lat * kDegree);
-  return std::hypot(dLat, dLon);
-}
+const TDatum kWgs84 = test::MakeEllipsoid(test::kWgs84A, test::kWgs84Rf);
 
 // GeographicLib writes zones 1..9 with a leading zero; we do not.
 std::string WithoutLeadingZero(const std::string& text) {
@@ -91,7 +75,7 @@ TEST(Mgrs, MatchesGeoConvertVectors) {
     for (const std::string& reference : {std::string(v.reference), text}) {
       TLonLat centre;
       ASSERT_TRUE(MgrsToLatLon(reference, kWgs84, centre, message, true)) << reference << ": " << message;
-      EXPECT_LE(GroundMetres(centre, {v.centreLon, v.centreLat}), boundM) << reference;
+      EXPECT_LE(test::GroundMetres(centre, {v.centreLon, v.centreLat}, kWgs84.a), boundM) << reference;
     }
   }
 }
@@ -200,7 +184,7 @@ TEST(Mgrs, RowLettersFollowTheEllipsoidsScheme) {
       {"Bessel 1841", 6377397.155, 299.1528128, 'L', 'R'},
   };
   for (const auto& row : rows) {
-    const TDatum ellipsoid = Ellipsoid(row.a, row.rf);
+    const TDatum ellipsoid = test::MakeEllipsoid(row.a, row.rf);
     std::string odd, even, message;
     ASSERT_TRUE(LatLonToMgrs({3, 0.2}, ellipsoid, 5, odd, message));   // zone 31, column E
     ASSERT_TRUE(LatLonToMgrs({9, 0.2}, ellipsoid, 5, even, message));  // zone 32, column N

@@ -4,10 +4,9 @@
 
 #include <cmath>
 #include <limits>
-#include <numbers>
 
-#include "tests/geodesy/azimuthal_grid_checks.h"
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -72,16 +71,11 @@ TEST(NewZealandMapGrid, PublishedPoints) {
 TEST(NewZealandMapGrid, AgreesWithProjOverNewZealand) {
   const TDatum international = Nzgd49Ellipsoid();
   const TNewZealandMapGrid nzmg(international);
-  const test::TGridReport report = test::CompareWithProj(
-      nzmg,
-      "+proj=nzmg +lat_0=-41 +lon_0=173 +x_0=2510000 +y_0=6023150 " +
-          test::ProjEllipsoid(international),
-      {165, 180, 0.5, -48.5, -33.5, 0.5});
-  EXPECT_EQ(report.points, 31 * 31);
-  EXPECT_EQ(report.refusedByProj, 0);
-  EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-  EXPECT_LT(report.maxForwardMetres, 0.001);
-  EXPECT_LT(report.maxInverseDegrees, 1e-8);
+  EXPECT_EQ(test::ExpectAgreesWithProj(nzmg,
+                                       "+proj=nzmg +lat_0=-41 +lon_0=173 +x_0=2510000 "
+                                       "+y_0=6023150 " + test::ProjEllipsoid(international),
+                                       {165, 180, 0.5, -48.5, -33.5, 0.5}),
+            31 * 31);
 }
 
 TEST(NewZealandMapGrid, RefusesWhatHasNoImageAndLeavesTheOutput) {

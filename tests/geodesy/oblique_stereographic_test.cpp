@@ -4,10 +4,9 @@
 
 #include <cmath>
 #include <limits>
-#include <numbers>
 
-#include "tests/geodesy/azimuthal_grid_checks.h"
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -25,15 +24,7 @@ const TProjectionParams kRdNew{.lonOrigin = 5.38763888888889, .latOrigin = 52.15
 // PROJ's builtins.gie "sterea" (PROJ @ 52da98bd99), including origins at and next to the
 // poles, and the IOGP GIGS 5104 series on RD New (Bessel 1841): forward, inverse and
 // round trips at 5 cm.
-struct TGieRow {
-  const char* file;
-  test::TGieOperation operation;
-  double a, rf;
-  TProjectionParams params;
-  int cases;
-};
-
-const TGieRow kGieRows[] = {
+const test::TGieRow kGieRows[] = {
     {"gie/builtins.gie", {"+proj=sterea +ellps=GRS80"}, test::kGrs80A, test::kGrs80Rf, {}, 8},
     {"gie/builtins.gie", {"+proj=sterea +R=6400000"}, 6400000, 0, {}, 9},
     {"gie/builtins.gie", {"+proj=sterea +ellps=GRS80 +lat_0=90"}, test::kGrs80A, test::kGrs80Rf,
@@ -51,16 +42,7 @@ const TGieRow kGieRows[] = {
 };
 
 TEST(ObliqueStereographic, PublishedAndProjVectors) {
-  for (const TGieRow& row : kGieRows) {
-    SCOPED_TRACE(std::string(row.file) + " " + row.operation.operation);
-    VELANTIS_TESTDATA_OR_SKIP(path, row.file);
-    const TObliqueStereographic sterea(MakeEllipsoid(row.a, row.rf), row.params);
-    test::TGieReport report;
-    std::string error;
-    ASSERT_TRUE(test::RunGieOperation(path, row.operation, sterea, row.a, report, error)) << error;
-    EXPECT_EQ(report.cases, row.cases);
-    for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
-  }
+  test::ExpectGieRows<TObliqueStereographic>(kGieRows);
 }
 
 // Published points, both ways:
@@ -82,14 +64,7 @@ TEST(ObliqueStereographic, PublishedPoints) {
   }
 }
 
-struct TGridRow {
-  double a, rf;
-  TProjectionParams params;
-  const char* proj;
-  test::TGridSpan span;
-};
-
-const TGridRow kGridRows[] = {
+const test::TProjGridRow kGridRows[] = {
     {test::kBesselA, test::kBesselRf, kRdNew,
      "+proj=sterea +lat_0=52.1561605555556 +lon_0=5.38763888888889 +k=0.9999079 +x_0=155000 "
      "+y_0=463000",
@@ -109,18 +84,7 @@ const TGridRow kGridRows[] = {
 };
 
 TEST(ObliqueStereographic, AgreesWithProjAcrossItsHemisphere) {
-  for (const TGridRow& row : kGridRows) {
-    const TDatum ellipsoid = MakeEllipsoid(row.a, row.rf);
-    const std::string definition = std::string(row.proj) + " " + test::ProjEllipsoid(ellipsoid);
-    SCOPED_TRACE(definition);
-    const TObliqueStereographic sterea(ellipsoid, row.params);
-    const test::TGridReport report = test::CompareWithProj(sterea, definition, row.span);
-    EXPECT_GT(report.points, 100);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, 0.001);
-    EXPECT_LT(report.maxInverseDegrees, 1e-8);
-  }
+  EXPECT_GT(test::ExpectGridRowsAgreeWithProj<TObliqueStereographic>(kGridRows), 100);
 }
 
 // Conformal everywhere, with the scale factor at the origin (where Gauss's sphere touches).

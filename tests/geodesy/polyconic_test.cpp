@@ -6,8 +6,9 @@
 #include <limits>
 #include <numbers>
 
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
 #include "tests/support/proj_reference.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -19,18 +20,10 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 // PROJ's builtins.gie (PROJ @ 52da98bd99) and the IOGP GIGS 5107 series (American
 // polyconic, SIRGAS 2000 / Brazil Polyconic: lon0 -54, FE 5000000, FN 10000000, GRS 80).
-struct TGieRow {
-  const char* file;
-  test::TGieOperation operation;
-  double a, rf;
-  TProjectionParams params;
-  int cases;
-};
-
 const TProjectionParams kBrazil{
     .lonOrigin = -54, .falseEasting = 5000000, .falseNorthing = 10000000};
 
-const TGieRow kGieRows[] = {
+const test::TGieRow kGieRows[] = {
     {"gie/builtins.gie", {"+proj=poly +ellps=GRS80"}, test::kGrs80A, test::kGrs80Rf, {}, 8},
     {"gie/builtins.gie", {"+proj=poly +R=6400000"}, 6400000, 0, {}, 8},
     {"gie/gigs/5107.gie",
@@ -44,29 +37,12 @@ const TGieRow kGieRows[] = {
 };
 
 TEST(Polyconic, PublishedAndProjVectors) {
-  for (const TGieRow& row : kGieRows) {
-    SCOPED_TRACE(std::string(row.file) + " " + row.operation.operation);
-    VELANTIS_TESTDATA_OR_SKIP(path, row.file);
-    const TPolyconic polyconic(MakeEllipsoid(row.a, row.rf), row.params);
-    test::TGieReport report;
-    std::string error;
-    ASSERT_TRUE(test::RunGieOperation(path, row.operation, polyconic, row.a, report, error))
-        << error;
-    EXPECT_EQ(report.cases, row.cases);
-    for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
-  }
+  test::ExpectGieRows<TPolyconic>(kGieRows);
 }
 
 // Against PROJ over 90 degrees of longitude about the central meridian, pole to pole:
 // forward within 1 mm, our iterative inverse of PROJ's plane point within 1e-8 degrees.
-struct TGridRow {
-  double a, rf;
-  TProjectionParams params;
-  const char* proj;
-  test::TGridSpan span;
-};
-
-const TGridRow kGridRows[] = {
+const test::TProjGridRow kGridRows[] = {
     {test::kGrs80A, test::kGrs80Rf, kBrazil, "+proj=poly +lon_0=-54 +x_0=5000000 +y_0=10000000",
      {-99, -9, 2, -90, 90, 2.5}},
     {6378206.4, 294.9786982, {.lonOrigin = -96, .latOrigin = 30}, "+proj=poly +lon_0=-96 +lat_0=30",
@@ -75,18 +51,7 @@ const TGridRow kGridRows[] = {
 };
 
 TEST(Polyconic, AgreesWithProjOverTheMap) {
-  for (const TGridRow& row : kGridRows) {
-    const TDatum ellipsoid = MakeEllipsoid(row.a, row.rf);
-    const std::string definition = std::string(row.proj) + " " + test::ProjEllipsoid(ellipsoid);
-    SCOPED_TRACE(definition);
-    const TPolyconic polyconic(ellipsoid, row.params);
-    const test::TGridReport report = test::CompareWithProj(polyconic, definition, row.span);
-    EXPECT_GE(report.points, 1000);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, 0.001);
-    EXPECT_LT(report.maxInverseDegrees, 1e-8);
-  }
+  EXPECT_GE(test::ExpectGridRowsAgreeWithProj<TPolyconic>(kGridRows), 1000);
 }
 
 // Within a degree of a pole the inverse takes its polar iteration; PROJ's own inverse gives

@@ -4,10 +4,9 @@
 
 #include <cmath>
 #include <limits>
-#include <numbers>
 
-#include "tests/geodesy/conic_cylindrical_checks.h"
-#include "tests/geodesy/azimuthal_grid_checks.h"
+#include "tests/support/gie_vectors.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -26,33 +25,17 @@ const TProjectionParams kSnyderOblique{.lonOrigin = -100, .latOrigin = 40, .scal
 
 // PROJ's builtins.gie (PROJ @ 52da98bd99): the oblique and equatorial "stere" and its polar
 // variant A; the variant B operations (lat_ts) have no counterpart among our parameters.
-struct TGieRow {
-  test::TGieOperation operation;
-  double a, rf;
-  TProjectionParams params;
-  int cases;
-};
-
-const TGieRow kGieRows[] = {
-    {{"+proj=stere +ellps=GRS80"}, test::kGrs80A, test::kGrs80Rf, {}, 8},
-    {{"+proj=stere +R=6400000"}, 6400000, 0, {}, 8},
-    {{"+proj=stere +ellps=GRS80 +lat_0=-90 +k_0=0.97"}, test::kGrs80A, test::kGrs80Rf,
+const test::TGieRow kGieRows[] = {
+    {"gie/builtins.gie", {"+proj=stere +ellps=GRS80"}, test::kGrs80A, test::kGrs80Rf, {}, 8},
+    {"gie/builtins.gie", {"+proj=stere +R=6400000"}, 6400000, 0, {}, 8},
+    {"gie/builtins.gie", {"+proj=stere +ellps=GRS80 +lat_0=-90 +k_0=0.97"}, test::kGrs80A, test::kGrs80Rf,
      {.latOrigin = -90, .scaleFactor = 0.97}, 4},
-    {{"+proj=stere +R=6378137 +lat_0=-90 +k_0=0.9698463103929542"}, 6378137, 0,
+    {"gie/builtins.gie", {"+proj=stere +R=6378137 +lat_0=-90 +k_0=0.9698463103929542"}, 6378137, 0,
      {.latOrigin = -90, .scaleFactor = 0.9698463103929542}, 4},
 };
 
 TEST(Stereographic, ProjGieVectors) {
-  VELANTIS_TESTDATA_OR_SKIP(path, "gie/builtins.gie");
-  for (const TGieRow& row : kGieRows) {
-    SCOPED_TRACE(row.operation.operation);
-    const TStereographic stere(MakeEllipsoid(row.a, row.rf), row.params);
-    test::TGieReport report;
-    std::string error;
-    ASSERT_TRUE(test::RunGieOperation(path, row.operation, stere, row.a, report, error)) << error;
-    EXPECT_EQ(report.cases, row.cases);
-    for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
-  }
+  test::ExpectGieRows<TStereographic>(kGieRows);
 }
 
 // Published points, both ways:
@@ -85,14 +68,7 @@ TEST(Stereographic, PublishedPoints) {
   }
 }
 
-struct TGridRow {
-  double a, rf;
-  TProjectionParams params;
-  const char* proj;
-  test::TGridSpan span;
-};
-
-const TGridRow kGridRows[] = {
+const test::TProjGridRow kGridRows[] = {
     {test::kWgs84A, test::kWgs84Rf, kUpsNorth,
      "+proj=stere +lat_0=90 +k_0=0.994 +x_0=2000000 +y_0=2000000", {-180, 180, 15, -30, 90, 5}},
     {test::kBesselA, test::kBesselRf, {.lonOrigin = 30, .latOrigin = -90},
@@ -108,18 +84,7 @@ const TGridRow kGridRows[] = {
 };
 
 TEST(Stereographic, AgreesWithProjAcrossItsHemisphere) {
-  for (const TGridRow& row : kGridRows) {
-    const TDatum ellipsoid = MakeEllipsoid(row.a, row.rf);
-    const std::string definition = std::string(row.proj) + " " + test::ProjEllipsoid(ellipsoid);
-    SCOPED_TRACE(definition);
-    const TStereographic stere(ellipsoid, row.params);
-    const test::TGridReport report = test::CompareWithProj(stere, definition, row.span);
-    EXPECT_GT(report.points, 200);
-    EXPECT_EQ(report.refusedByProj, 0);
-    EXPECT_TRUE(report.failures.empty()) << report.failures.front();
-    EXPECT_LT(report.maxForwardMetres, 0.001);
-    EXPECT_LT(report.maxInverseDegrees, 1e-8);
-  }
+  EXPECT_GT(test::ExpectGridRowsAgreeWithProj<TStereographic>(kGridRows), 200);
 }
 
 // Conformal: at every point the scale is the same along the meridian and the parallel, and

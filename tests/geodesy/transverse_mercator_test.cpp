@@ -8,8 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/geodesy/transverse_mercator_gie.h"
+#include "tests/support/gie_vectors.h"
 #include "tests/support/proj_reference.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -17,13 +18,8 @@ namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
 
-TDatum Ellipsoid(double a, double inverseFlattening) {
-  TDatum d;
-  d.a = a;
-  d.invFlattening = inverseFlattening;
-  d.ComputeDerived();
-  return d;
-}
+using test::GroundMetres;
+using test::MakeEllipsoid;
 
 TProjectionParams Params(double lon0, double lat0, double k0, double fe, double fn) {
   TProjectionParams p;
@@ -42,13 +38,6 @@ std::string ProjTmerc(const TDatum& e, const TProjectionParams& p, bool approx) 
                 approx ? "+approx " : "", p.latOrigin, p.lonOrigin, p.scaleFactor, p.falseEasting,
                 p.falseNorthing, e.a, e.invFlattening);
   return text;
-}
-
-// The distance on the ground, roughly, between two nearby positions.
-double GroundMetres(const TDatum& e, const TLonLat& one, const TLonLat& other) {
-  const double dLat = (one.lat - other.lat) * kDegree * e.a;
-  const double dLon = std::remainder(one.lon - other.lon, 360.0) * kDegree * e.a * std::cos(one.lat * kDegree);
-  return std::hypot(dLat, dLon);
 }
 
 // Ellipsoids of the EPSG dataset.
@@ -87,7 +76,7 @@ TEST(TransverseMercator, AgreesWithProjWithinThreeDegreesOfTheCentralMeridian) {
   constexpr double kApproxBoundM = 0.002, kExactBoundM = 0.005, kRoundTripDeg = 1e-8;
   int compared = 0;
   for (const auto& ellipsoidRow : kEllipsoids) {
-    const TDatum ellipsoid = Ellipsoid(ellipsoidRow.a, ellipsoidRow.rf);
+    const TDatum ellipsoid = MakeEllipsoid(ellipsoidRow.a, ellipsoidRow.rf);
     for (const auto& row : kParamSets) {
       const TProjectionParams params = Params(row.lon0, row.lat0, row.k0, row.fe, row.fn);
       const TTransverseMercator tm(ellipsoid, params);
@@ -117,7 +106,7 @@ TEST(TransverseMercator, AgreesWithProjWithinThreeDegreesOfTheCentralMeridian) {
           // Our inverse of PROJ's exact plane point lands within the same 5 mm.
           TLonLat fromExact;
           ASSERT_TRUE(tm.Inverse({ex, ey}, fromExact, message)) << where;
-          EXPECT_LE(GroundMetres(ellipsoid, fromExact, geo), kExactBoundM) << where;
+          EXPECT_LE(GroundMetres(fromExact, geo, ellipsoid.a), kExactBoundM) << where;
           ++compared;
         }
       }
@@ -131,7 +120,7 @@ TEST(TransverseMercator, AgreesWithProjWithinThreeDegreesOfTheCentralMeridian) {
 // forward. Measured worst cases over 80°S..84°N: forward 1.0, 3.3, 11.5 mm
 // and inverse 2.7, 13.1, 47.3 mm at 4°, 5° and 6°.
 TEST(TransverseMercator, ErrorGrowsBeyondTheZoneAsExpected) {
-  const TDatum wgs84 = Ellipsoid(6378137, 298.257223563);
+  const TDatum wgs84 = MakeEllipsoid(test::kWgs84A, test::kWgs84Rf);
   const TProjectionParams params = Params(3, 0, 0.9996, 500000, 0);
   const TTransverseMercator tm(wgs84, params);
   const test::TProjReference exact(ProjTmerc(wgs84, params, false));
@@ -150,7 +139,7 @@ TEST(TransverseMercator, ErrorGrowsBeyondTheZoneAsExpected) {
       worstForward = std::max(worstForward, std::hypot(ours.x - x, ours.y - y));
       TLonLat back;
       ASSERT_TRUE(tm.Inverse({x, y}, back, message));
-      worstInverse = std::max(worstInverse, GroundMetres(wgs84, back, geo));
+      worstInverse = std::max(worstInverse, GroundMetres(back, geo, wgs84.a));
     }
     EXPECT_LE(worstForward, row.forwardBoundM) << "offset " << row.offset;
     EXPECT_LE(worstInverse, row.inverseBoundM) << "offset " << row.offset;
@@ -166,7 +155,7 @@ TEST(TransverseMercator, MatchesTheGigsPointsWithinItsDomain) {
   std::vector<test::TGieBlock> blocks;
   std::string error;
   ASSERT_TRUE(test::ReadGieBlocks(file, {"epsg:4326"}, blocks, error)) << error;
-  const TDatum wgs84 = Ellipsoid(6378137, 298.257223563);
+  const TDatum wgs84 = MakeEllipsoid(test::kWgs84A, test::kWgs84Rf);
   const TTransverseMercator tm(wgs84, Params(-2, 49, 0.9996012717, 400000, -100000));
   int forward = 0, inverse = 0;
   for (const auto& block : blocks) {
@@ -184,7 +173,7 @@ TEST(TransverseMercator, MatchesTheGigsPointsWithinItsDomain) {
       } else {
         TLonLat ours;
         ASSERT_TRUE(tm.Inverse({plane[0], plane[1]}, ours, message)) << "line " << pair.line;
-        EXPECT_LE(GroundMetres(wgs84, ours, {geo[0], geo[1]}), pair.toleranceM) << "line " << pair.line;
+        EXPECT_LE(GroundMetres(ours, {geo[0], geo[1]}, wgs84.a), pair.toleranceM) << "line " << pair.line;
         ++inverse;
       }
     }
@@ -196,7 +185,7 @@ TEST(TransverseMercator, MatchesTheGigsPointsWithinItsDomain) {
 // A central meridian near the antimeridian: the longitude difference is taken
 // the short way round, as PROJ does.
 TEST(TransverseMercator, ProjectsAcrossTheAntimeridian) {
-  const TDatum wgs84 = Ellipsoid(6378137, 298.257223563);
+  const TDatum wgs84 = MakeEllipsoid(test::kWgs84A, test::kWgs84Rf);
   const TProjectionParams params = Params(177, 0, 0.9996, 500000, 0);
   const TTransverseMercator tm(wgs84, params);
   const test::TProjReference exact(ProjTmerc(wgs84, params, false));
@@ -226,11 +215,11 @@ TEST(TransverseMercator, MeridianArcMatchesGeodesicLengths) {
       {6378137, 298.257223563, 90, 10001965.729313}, {6378388, 297, 45, 4985037.137082},
   };
   for (const auto& row : rows) {
-    const TTransverseMercator tm(Ellipsoid(row.a, row.rf), Params(0, 0, 1, 0, 0));
+    const TTransverseMercator tm(MakeEllipsoid(row.a, row.rf), Params(0, 0, 1, 0, 0));
     EXPECT_NEAR(tm.MeridianArc(row.latDeg * kDegree), row.metres, 0.001) << row.latDeg;
   }
   // Under 1e-10 rad the arc is exactly 0; just above it, it is not.
-  const TTransverseMercator tm(Ellipsoid(6378137, 298.257223563), Params(0, 0, 1, 0, 0));
+  const TTransverseMercator tm(MakeEllipsoid(test::kWgs84A, test::kWgs84Rf), Params(0, 0, 1, 0, 0));
   EXPECT_EQ(tm.MeridianArc(0.9e-10), 0.0);
   EXPECT_EQ(tm.MeridianArc(-0.9e-10), 0.0);
   EXPECT_GT(tm.MeridianArc(1.1e-10), 0.0);
@@ -238,7 +227,7 @@ TEST(TransverseMercator, MeridianArcMatchesGeodesicLengths) {
 
 // Failures return the system's message and leave the output as it was.
 TEST(TransverseMercator, FailuresLeaveTheOutputUntouched) {
-  const TDatum wgs84 = Ellipsoid(6378137, 298.257223563);
+  const TDatum wgs84 = MakeEllipsoid(test::kWgs84A, test::kWgs84Rf);
   const TTransverseMercator tm(wgs84, Params(3, 0, 0.9996, 500000, 0));
   struct TInverseRow {
     const char* what;

@@ -10,8 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/geodesy/transverse_mercator_gie.h"
+#include "tests/support/gie_vectors.h"
 #include "tests/support/proj_reference.h"
+#include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -19,16 +20,8 @@ namespace {
 
 constexpr double kDegree = std::numbers::pi / 180;
 
-TDatum Datum(const char* name, double a, double rf, double dx, double dy, double dz) {
-  TDatum d;
-  d.name = name;
-  d.a = a;
-  d.invFlattening = rf;
-  d.dX = dx;
-  d.dY = dy;
-  d.dZ = dz;
-  return d;
-}
+using test::GroundMetres;
+using test::MakeDatum;
 
 // Datums with their NIMA TR8350.2 mean shifts; GRS 1980 with none.
 enum : int { kWgs84, kEd50, kNad27, kTokyo, kOsgb36, kGrs80 };
@@ -36,12 +29,12 @@ struct TFixture {
   int configured = 0;
   TListaDatums list{configured};
   TFixture() {
-    list.Add(Datum("WGS 84", 6378137, 298.257223563, 0, 0, 0));
-    list.Add(Datum("European 1950", 6378388, 297, -87, -98, -121));
-    list.Add(Datum("NAD27 CONUS", 6378206.4, 294.9786982, -8, 160, 176));
-    list.Add(Datum("Tokyo", 6377397.155, 299.1528128, -148, 507, 685));
-    list.Add(Datum("Ord Srvy Grt Britn", 6377563.396, 299.3249646, 375, -111, 431));
-    list.Add(Datum("GRS 80", 6378137, 298.257222101, 0, 0, 0));
+    list.Add(MakeDatum("WGS 84", 6378137, 298.257223563, 0, 0, 0));
+    list.Add(MakeDatum("European 1950", 6378388, 297, -87, -98, -121));
+    list.Add(MakeDatum("NAD27 CONUS", 6378206.4, 294.9786982, -8, 160, 176));
+    list.Add(MakeDatum("Tokyo", 6377397.155, 299.1528128, -148, 507, 685));
+    list.Add(MakeDatum("Ord Srvy Grt Britn", 6377563.396, 299.3249646, 375, -111, 431));
+    list.Add(MakeDatum("GRS 80", 6378137, 298.257222101, 0, 0, 0));
   }
 };
 
@@ -50,12 +43,6 @@ std::string ProjUtm(const TDatum& d, const TZonaUTM& zone) {
   std::snprintf(text, sizeof text, "+proj=utm +zone=%d%s +a=%.17g +rf=%.17g", zone.zone,
                 IsSouthernBand(zone.band) ? " +south" : "", d.a, d.invFlattening);
   return text;
-}
-
-double GroundMetres(const TDatum& e, const TLonLat& one, const TLonLat& other) {
-  const double dLat = (one.lat - other.lat) * kDegree * e.a;
-  const double dLon = std::remainder(one.lon - other.lon, 360.0) * kDegree * e.a * std::cos(one.lat * kDegree);
-  return std::hypot(dLat, dLon);
 }
 
 TEST(Utm, ZoneOfLongitude) {
@@ -166,7 +153,7 @@ TEST(Utm, AgreesWithProjOnSeveralEllipsoids) {
         EXPECT_NEAR((back.lon - lon) * std::cos(lat * kDegree), 0, 1e-8);
         TLonLat fromProj;
         ASSERT_TRUE(UtmToLatLon({utm.zone, x, y}, datum, datum, f.list, fromProj, message));
-        EXPECT_LE(GroundMetres(d, fromProj, geo), 0.005) << d.name << " " << lat << " " << lon;
+        EXPECT_LE(GroundMetres(fromProj, geo, d.a), 0.005) << d.name << " " << lat << " " << lon;
         ++compared;
       }
     }
@@ -210,7 +197,7 @@ TEST(Utm, MatchesTheGigsPointsInForcedZones) {
           TLonLat ours;
           ASSERT_TRUE(UtmToLatLon({row.zone, plane[0], plane[1]}, row.datum, row.datum, f.list, ours, message))
               << message;
-          EXPECT_LE(GroundMetres(*f.list.Get(row.datum), ours, {geo[0], geo[1]}), pair.toleranceM)
+          EXPECT_LE(GroundMetres(ours, {geo[0], geo[1]}, f.list.Get(row.datum)->a), pair.toleranceM)
               << row.file << ":" << pair.line;
           ++inverse;
         }
@@ -259,7 +246,7 @@ TEST(Utm, InverseLimits) {
     const test::TProjReference proj(ProjUtm(*f.list.Get(kWgs84), row.zone));
     double lon, lat;
     ASSERT_TRUE(proj.Inverse(row.x, row.y, lon, lat)) << where;
-    EXPECT_LE(GroundMetres(*f.list.Get(kWgs84), geo, {lon, lat}), 0.005) << where;
+    EXPECT_LE(GroundMetres(geo, {lon, lat}, f.list.Get(kWgs84)->a), 0.005) << where;
   }
 }
 

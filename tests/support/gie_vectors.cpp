@@ -1,20 +1,19 @@
-#include "tests/geodesy/conic_cylindrical_checks.h"
+#include "tests/support/gie_vectors.h"
 
-#include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <limits>
-#include <numbers>
 #include <sstream>
 
-#include "tests/support/proj_reference.h"
+#include <gtest/gtest.h>
+
+#include "tests/support/proj_sweep.h"
 
 namespace velantis::test {
 
 namespace {
 
-constexpr double kRadiansPerDegree = std::numbers::pi / 180;
 // gie's tolerance when an operation sets none: 0.5 mm.
 constexpr double kGieDefaultToleranceMetres = 0.0005;
 // The Paris meridian as the EPSG dataset gives it (EPSG 8903: 2.5969213 gon),
@@ -27,13 +26,6 @@ std::string Describe(const char* format, double a, double b, double c = 0, doubl
   char text[256];
   std::snprintf(text, sizeof text, format, a, b, c, d);
   return text;
-}
-
-// Distance on the ground between two geographic points a few metres apart.
-double GroundMetres(const TLonLat& one, const TLonLat& other, double semiMajorAxis) {
-  const double dLat = (one.lat - other.lat) * kRadiansPerDegree;
-  const double dLon = std::remainder(one.lon - other.lon, 360.0) * kRadiansPerDegree;
-  return semiMajorAxis * std::hypot(dLat, dLon * std::cos(one.lat * kRadiansPerDegree));
 }
 
 struct TCommand {
@@ -107,61 +99,6 @@ TLonLat ToDegrees(double lon, double lat, TGieAngles angles) {
 }
 
 }  // namespace
-
-TDatum MakeEllipsoid(double a, double inverseFlattening) {
-  TDatum datum;
-  datum.a = a;
-  datum.invFlattening =
-      inverseFlattening == 0 ? std::numeric_limits<double>::infinity() : inverseFlattening;
-  datum.ComputeDerived();
-  return datum;
-}
-
-std::string ProjEllipsoid(const TDatum& ellipsoid) {
-  char text[96];
-  if (ellipsoid.f == 0) {
-    std::snprintf(text, sizeof text, "+R=%.17g", ellipsoid.a);
-  } else {
-    std::snprintf(text, sizeof text, "+a=%.17g +rf=%.17g", ellipsoid.a, ellipsoid.invFlattening);
-  }
-  return text;
-}
-
-TGridReport CompareWithProj(const TProjection& projection, const std::string& projDefinition,
-                            const TGridSpan& span) {
-  TGridReport report;
-  const TProjReference proj(projDefinition);
-  if (!proj.Valid()) {
-    report.failures.push_back("PROJ refuses " + projDefinition);
-    return report;
-  }
-  std::string message;
-  for (double lat = span.latFrom; lat <= span.latTo + 1e-9; lat += span.latStep) {
-    for (double lon = span.lonFrom; lon <= span.lonTo + 1e-9; lon += span.lonStep) {
-      ++report.points;
-      double x = 0, y = 0;
-      if (!proj.Forward(lon, lat, x, y)) {
-        ++report.refusedByProj;
-        continue;
-      }
-      TPlanePoint plane;
-      TLonLat back;
-      if (!projection.Forward({lon, lat}, plane, message) ||
-          !projection.Inverse({x, y}, back, message)) {
-        report.failures.push_back(Describe("%.6f %.6f: ", lon, lat) + message);
-        continue;
-      }
-      report.maxForwardMetres =
-          std::max(report.maxForwardMetres, std::hypot(plane.x - x, plane.y - y));
-      const double dLon = std::fabs(std::remainder(back.lon - lon, 360.0));
-      // At a pole every longitude is the point itself.
-      const double lonError = std::fabs(lat) == 90 ? 0 : dLon;
-      report.maxInverseDegrees =
-          std::max({report.maxInverseDegrees, lonError, std::fabs(back.lat - lat)});
-    }
-  }
-  return report;
-}
 
 bool RunGieOperation(const std::filesystem::path& path, const TGieOperation& operation,
                      const TProjection& projection, double semiMajorAxis, TGieReport& report,
@@ -264,6 +201,54 @@ bool RunGieOperation(const std::filesystem::path& path, const TGieOperation& ope
   }
   if (!found) error = "no operation '" + operation.operation + "' in " + path.string();
   return found;
+}
+
+void ExpectGieCases(const std::filesystem::path& path, const TGieOperation& operation,
+                    const TProjection& projection, double semiMajorAxis, int cases) {
+  TGieReport report;
+  std::string error;
+  ASSERT_TRUE(RunGieOperation(path, operation, projection, semiMajorAxis, report, error)) << error;
+  EXPECT_EQ(report.cases, cases);
+  for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
+}
+
+bool ReadGieBlocks(const std::filesystem::path& file, const std::vector<std::string>& geographicCodes,
+                   std::vector<TGieBlock>& blocks, std::string& error) {
+  std::vector<TCommand> commands;
+  if (!ReadCommands(file, commands)) {
+    error = "cannot open " + file.string();
+    return false;
+  }
+  double tolerance = 0;
+  TGiePair pending;
+  bool havePending = false;
+  for (const TCommand& command : commands) {
+    if (command.keyword == "operation") {
+      TGieBlock block;
+      block.operation = command.args;
+      const size_t second = block.operation.find("+step", block.operation.find("+step") + 1);
+      const std::string first = block.operation.substr(0, second);
+      for (const auto& code : geographicCodes)
+        if (first.find(code) != std::string::npos) block.fromGeographic = true;
+      blocks.push_back(block);
+    } else if (command.keyword == "tolerance") {
+      tolerance = ToleranceMetres(command.args);
+    } else if (command.keyword == "accept") {
+      havePending = TwoNumbers(command.args, pending.accept[0], pending.accept[1]);
+    } else if (command.keyword == "expect" && havePending && !blocks.empty()) {
+      if (TwoNumbers(command.args, pending.expect[0], pending.expect[1])) {
+        pending.toleranceM = tolerance;
+        pending.line = command.line;
+        blocks.back().pairs.push_back(pending);
+      }
+      havePending = false;
+    }
+  }
+  if (blocks.empty()) {
+    error = "no operation in " + file.string();
+    return false;
+  }
+  return true;
 }
 
 }  // namespace velantis::test

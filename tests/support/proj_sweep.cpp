@@ -1,0 +1,192 @@
+#include "tests/support/proj_sweep.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <numbers>
+
+#include "tests/support/proj_reference.h"
+
+namespace velantis::test {
+
+namespace {
+
+constexpr double kRadiansPerDegree = std::numbers::pi / 180;
+// Central differences over 1e-5 degrees (a metre): their truncation error is
+// some 1e-11 of the scale, far below what the checks ask.
+constexpr double kStepDeg = 1e-5;
+constexpr double kConformalTolerance = 1e-8;
+
+std::string Describe(double lon, double lat) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.6f %.6f: ", lon, lat);
+  return text;
+}
+
+}  // namespace
+
+TDatum MakeEllipsoid(double a, double inverseFlattening) {
+  TDatum datum;
+  datum.a = a;
+  datum.invFlattening =
+      inverseFlattening == 0 ? std::numeric_limits<double>::infinity() : inverseFlattening;
+  datum.ComputeDerived();
+  return datum;
+}
+
+TDatum MakeDatum(const char* name, double a, double inverseFlattening, double dx, double dy,
+                 double dz) {
+  TDatum datum;
+  datum.name = name;
+  datum.dX = dx;
+  datum.dY = dy;
+  datum.dZ = dz;
+  datum.a = a;
+  datum.invFlattening =
+      inverseFlattening == 0 ? std::numeric_limits<double>::infinity() : inverseFlattening;
+  datum.ComputeDerived();
+  return datum;
+}
+
+std::string ProjEllipsoid(const TDatum& ellipsoid) {
+  char text[96];
+  if (ellipsoid.f == 0) {
+    std::snprintf(text, sizeof text, "+R=%.17g", ellipsoid.a);
+  } else {
+    std::snprintf(text, sizeof text, "+a=%.17g +rf=%.17g", ellipsoid.a, ellipsoid.invFlattening);
+  }
+  return text;
+}
+
+double GroundMetres(const TLonLat& one, const TLonLat& other, double semiMajorAxis) {
+  const double dLat = (one.lat - other.lat) * kRadiansPerDegree;
+  const double dLon = std::remainder(one.lon - other.lon, 360.0) * kRadiansPerDegree;
+  return semiMajorAxis * std::hypot(dLat, dLon * std::cos(one.lat * kRadiansPerDegree));
+}
+
+TGridReport CompareWithProj(const TProjection& projection, const std::string& projDefinition,
+                            const TGridSpan& span) {
+  TGridReport report;
+  const TProjReference proj(projDefinition);
+  if (!proj.Valid()) {
+    report.failures.push_back("PROJ refuses " + projDefinition);
+    return report;
+  }
+  std::string message;
+  for (double lat = span.latFrom; lat <= span.latTo + 1e-9; lat += span.latStep) {
+    for (double lon = span.lonFrom; lon <= span.lonTo + 1e-9; lon += span.lonStep) {
+      ++report.points;
+      double x = 0, y = 0;
+      if (!proj.Forward(lon, lat, x, y)) {
+        ++report.refusedByProj;
+        continue;
+      }
+      TPlanePoint plane;
+      TLonLat back;
+      if (!projection.Forward({lon, lat}, plane, message) ||
+          !projection.Inverse({x, y}, back, message)) {
+        report.failures.push_back(Describe(lon, lat) + message);
+        continue;
+      }
+      report.maxForwardMetres =
+          std::max(report.maxForwardMetres, std::hypot(plane.x - x, plane.y - y));
+      const double dLon = std::fabs(std::remainder(back.lon - lon, 360.0));
+      // At a pole every longitude is the point itself.
+      const double lonError = std::fabs(lat) == 90 ? 0 : dLon;
+      report.maxInverseDegrees =
+          std::max({report.maxInverseDegrees, lonError, std::fabs(back.lat - lat)});
+    }
+  }
+  return report;
+}
+
+int ExpectAgreesWithProj(const TProjection& projection, const std::string& projDefinition,
+                         const TGridSpan& span, double forwardMetres, double inverseDegrees) {
+  const TGridReport report = CompareWithProj(projection, projDefinition, span);
+  EXPECT_EQ(report.refusedByProj, 0);
+  EXPECT_TRUE(report.failures.empty()) << report.failures.front();
+  EXPECT_LT(report.maxForwardMetres, forwardMetres);
+  EXPECT_LT(report.maxInverseDegrees, inverseDegrees);
+  return report.points;
+}
+
+void ExpectPublishedPoint(const TProjection& projection, double lon, double lat, double x, double y,
+                          double toleranceMetres, double a, double roundTripMetres) {
+  TPlanePoint plane;
+  std::string message;
+  ASSERT_TRUE(projection.Forward({lon, lat}, plane, message)) << message;
+  EXPECT_NEAR(plane.x, x, toleranceMetres);
+  EXPECT_NEAR(plane.y, y, toleranceMetres);
+  TLonLat geo;
+  ASSERT_TRUE(projection.Inverse({x, y}, geo, message)) << message;
+  const double cosLat = std::cos(lat * kRadiansPerDegree);
+  EXPECT_NEAR((geo.lat - lat) * kRadiansPerDegree * a, 0, toleranceMetres);
+  EXPECT_NEAR(std::remainder(geo.lon - lon, 360.0) * kRadiansPerDegree * a * cosLat, 0, toleranceMetres);
+  ASSERT_TRUE(projection.Inverse(plane, geo, message)) << message;
+  EXPECT_NEAR((geo.lat - lat) * kRadiansPerDegree * a, 0, roundTripMetres);
+  EXPECT_NEAR(std::remainder(geo.lon - lon, 360.0) * kRadiansPerDegree * a * cosLat, 0,
+              roundTripMetres);
+}
+
+void ExpectConformal(const TProjection& projection, const TDatum& ellipsoid, double lon, double lat,
+                     double expectedScale) {
+  SCOPED_TRACE(testing::Message() << "scale at " << lon << " " << lat);
+  // Keep the differences inside the latitude range.
+  lat = std::clamp(lat, -90 + 2 * kStepDeg, 90 - 2 * kStepDeg);
+  TPlanePoint south, north, west, east;
+  std::string message;
+  ASSERT_TRUE(projection.Forward({lon, lat - kStepDeg}, south, message)) << message;
+  ASSERT_TRUE(projection.Forward({lon, lat + kStepDeg}, north, message)) << message;
+  ASSERT_TRUE(projection.Forward({lon - kStepDeg, lat}, west, message)) << message;
+  ASSERT_TRUE(projection.Forward({lon + kStepDeg, lat}, east, message)) << message;
+  const double phi = lat * kRadiansPerDegree;
+  const double w = 1 - ellipsoid.e2 * std::pow(std::sin(phi), 2);
+  const double meridianRadius = ellipsoid.a * (1 - ellipsoid.e2) / std::pow(w, 1.5);
+  const double parallelRadius = ellipsoid.a / std::sqrt(w) * std::cos(phi);
+  const double dAngle = 2 * kStepDeg * kRadiansPerDegree;
+  const double mx = north.x - south.x, my = north.y - south.y;
+  const double px = east.x - west.x, py = east.y - west.y;
+  const double h = std::hypot(mx, my) / (meridianRadius * dAngle);
+  const double k = std::hypot(px, py) / (parallelRadius * dAngle);
+  EXPECT_NEAR(h / k, 1, kConformalTolerance);
+  EXPECT_NEAR((mx * px + my * py) / (std::hypot(mx, my) * std::hypot(px, py)), 0, kConformalTolerance);
+  if (expectedScale != 0) {
+    EXPECT_NEAR(k, expectedScale, kConformalTolerance);
+  }
+}
+
+void ExpectGridReferences(TFormatGridReference format, TParseGridReference parse,
+                          std::span<const TGridReferenceCase> cases) {
+  for (const TGridReferenceCase& c : cases) {
+    SCOPED_TRACE(c.text);
+    std::string text, message;
+    ASSERT_TRUE(format({c.easting, c.northing}, c.precision, text, message)) << message;
+    EXPECT_EQ(text, c.text);
+    TPlanePoint grid{-1, -1};
+    int precision = 0;
+    ASSERT_TRUE(parse(c.text, grid, message, &precision)) << message;
+    EXPECT_EQ(grid.x, c.cornerEasting);
+    EXPECT_EQ(grid.y, c.cornerNorthing);
+    EXPECT_EQ(precision, c.precision);
+  }
+}
+
+void ExpectRefusal(const TProjection& projection, bool inverse, double u, double v,
+                   const std::string& expected) {
+  std::string message;
+  if (inverse) {
+    TLonLat geo{-1, -2};
+    EXPECT_FALSE(projection.Inverse({u, v}, geo, message));
+    EXPECT_EQ(geo.lon, -1);
+    EXPECT_EQ(geo.lat, -2);
+  } else {
+    TPlanePoint plane{-1, -2};
+    EXPECT_FALSE(projection.Forward({u, v}, plane, message));
+    EXPECT_EQ(plane.x, -1);
+    EXPECT_EQ(plane.y, -2);
+  }
+  EXPECT_EQ(message, expected);
+}
+
+}  // namespace velantis::test
