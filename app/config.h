@@ -53,6 +53,7 @@ public:
   // Balizas
   int Proximity_Mode{};
   float Proximity_Radius{};  // metres
+  bool Wpt_Scale_Display{};   // new waypoints: the display-scale threshold applies
   // Colores: 0x00RRGGBB
   uint32_t Default_Label_Color_Wpt{};
   uint32_t Default_Label_Back_Color_Wpt{};

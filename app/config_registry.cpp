@@ -66,6 +66,9 @@ const std::vector<TConfigRegistration>& Table() {
       // Balizas: proximity alarms around waypoints; the radius is in metres.
       Integer("Balizas", "Proximity_Mode", &C::Proximity_Mode, 0),
       Real("Balizas", "Proximity_Radius", &C::Proximity_Radius, 50.0f),
+      // Whether a new waypoint is drawn only at scales its threshold allows
+      // (bit 3 of its display flags).
+      Boolean("Balizas", "Wpt_Scale_Display", &C::Wpt_Scale_Display, false),
       // Colores: waypoint labels, text and background.
       Colour("Colores", "Default_Label_Color_Wpt", &C::Default_Label_Color_Wpt, kColourBlackRgb),
       Colour("Colores", "Default_Label_Back_Color_Wpt", &C::Default_Label_Back_Color_Wpt, kColourWhiteRgb),

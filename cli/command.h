@@ -31,5 +31,7 @@ void AddDatumsCommand(CLI::App& app, const TGlobalOptions& options, int& exitCod
 void AddCoordCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddFormatCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddParseCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddInfoCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddConvertCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

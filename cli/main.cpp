@@ -19,6 +19,8 @@ int main(int argc, char** argv) {
   AddCoordCommand(app, options, exitCode);
   AddFormatCommand(app, options, exitCode);
   AddParseCommand(app, options, exitCode);
+  AddInfoCommand(app, options, exitCode);
+  AddConvertCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {

@@ -16,6 +16,7 @@ TBalizaDefaults TBalizaDefaults::FromConfig(const TConfig& config) {
   TBalizaDefaults d;
   d.colour1 = PackLabelColour(config.Default_Label_Color_Wpt);
   d.colour2 = PackLabelColour(config.Default_Label_Back_Color_Wpt);
+  d.displayFlag3 = config.Wpt_Scale_Display;
   return d;
 }
 

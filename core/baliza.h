@@ -43,8 +43,7 @@ inline constexpr int kProximityModeAllWaypoints = 2;
 struct TBalizaDefaults {
   TLabelColour colour1 = PackLabelColour(0x000000);  // label text
   TLabelColour colour2 = PackLabelColour(0xFFFFFF);  // label background
-  // Bit 3 of the display flags. The configuration has no key for it yet, so
-  // FromConfig leaves it clear.
+  // Bit 3 of the display flags (TConfig::Wpt_Scale_Display).
   bool displayFlag3 = false;
 
   static TBalizaDefaults FromConfig(const TConfig& config);

@@ -37,7 +37,7 @@ namespace velantis {
 
 // The letters of the optional texts a track file may give, "M" being the
 // multi-line one; "N" (name) and "D" (description) are the element's own.
-inline constexpr std::string_view kTrackTextLetters = "PQIbdMZRsljkgef";
+inline constexpr std::string_view kTrackTextLetters = "PQIbdMZRslijkgef";
 
 // Values of the "C" line after the colour, and of the "V" line.
 struct TTrackDrawing {

@@ -263,6 +263,27 @@ bool ParseLatLon(std::string_view text, double& degrees, bool& isLatitude, std::
   return true;
 }
 
+double RoundToNotation(double degrees, int notation) {
+  double unitsPerDegree = 0;
+  switch (notation) {
+    case kNotationDecimalDegrees:
+      unitsPerDegree = kMicroUnitsPerUnit;
+      break;
+    case kNotationDegreesMinutes:
+      unitsPerDegree = kMilliMinutesPerDegree;
+      break;
+    case kNotationDegreesMinutesSeconds:
+      unitsPerDegree = kDeciSecondsPerDegree;
+      break;
+    case kNotationGrads:
+      unitsPerDegree = kMicroUnitsPerUnit / kDegreesPerGrad;
+      break;
+    default:
+      return degrees;
+  }
+  return std::round(degrees * unitsPerDegree) / unitsPerDegree;
+}
+
 bool FormatLatitude(double degrees, int notation, std::string& text, std::string& message) {
   return FormatAngle(degrees, true, notation, text, message);
 }

@@ -89,6 +89,10 @@ bool ParseLatLon(std::string_view text, double& degrees, bool& isLatitude, std::
 bool FormatLatitude(double degrees, int notation, std::string& text, std::string& message);
 bool FormatLongitude(double degrees, int notation, std::string& text, std::string& message);
 
+// The value a printed text in the notation reads back as: degrees rounded to
+// the notation's last printed unit (the value itself for an unknown notation).
+double RoundToNotation(double degrees, int notation);
+
 // The coordinate text of a position as the native writer prints it: the
 // latitude, one blank, the longitude.
 bool FormatPosition(const TLonLat& position, int notation, std::string& text, std::string& message);

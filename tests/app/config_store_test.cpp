@@ -61,6 +61,7 @@ TEST(ConfigStoreTest, DefaultsOfTheKeysOtherPartsRead) {
       {"Altitude_Source", "0"},
       {"Proximity_Mode", "0"},
       {"Proximity_Radius", "50"},
+      {"Wpt_Scale_Display", "0"},
       {"Default_Label_Color_Wpt", "0"},
       {"Default_Label_Back_Color_Wpt", "16777215"},
       {"File_Code_Page", "Windows-1252"},
@@ -180,7 +181,7 @@ const char* const kFullFile =
     "\r\n"
     "[Play]\r\n"
     "Velocidad=10.000000\r\n"
-    "[Balizas]\r\nProximity_Mode=1\r\nProximity_Radius=75.5\r\n"
+    "[Balizas]\r\nProximity_Mode=1\r\nProximity_Radius=75.5\r\nWpt_Scale_Display=0\r\n"
     "[Colores]\r\nDefault_Label_Color_Wpt=255\r\nDefault_Label_Back_Color_Wpt=16777215\r\n"
     "[Coordenadas]\r\nNum_Datum=12\r\nCoordinate_Notation=2\r\nRecent_Datums=WGS 84|European 1950\r\n"
     "[Iconos]\r\nRecent_Symbols=Flag|Summit\r\n"

@@ -1,0 +1,30 @@
+// Elements with every field set, drawn from a seeded random source, and the
+// built datum list, for the round trips of the file formats.
+#pragma once
+
+#include <random>
+#include <string>
+
+#include "core/ruta.h"
+#include "core/track.h"
+#include "core/waypoints.h"
+#include "geodesy/lista_datums.h"
+
+namespace velantis::test {
+
+// The built-in datums of the build tree's data folder; false when the build
+// has not made them.
+bool LoadBuiltInDatums(TListaDatums& datums);
+
+// A waypoint with every field away from its default (times to whole
+// seconds, compact reals that print exactly, names and texts without the
+// characters the files drop). nonAscii puts accented letters in the texts.
+TBaliza SampleWaypoint(std::mt19937_64& random, const TBalizaDefaults& defaults, bool nonAscii);
+TWaypoints SampleWaypoints(std::mt19937_64& random, size_t count, const TBalizaDefaults& defaults);
+TRuta SampleRoute(std::mt19937_64& random, size_t count, const TBalizaDefaults& defaults);
+// A track with every header value and every point field set (the terrain
+// altitude, which files do not carry, left unknown), labels and properties
+// on some points.
+TTrack SampleTrack(std::mt19937_64& random, size_t count);
+
+}  // namespace velantis::test

@@ -1,0 +1,302 @@
+// OziExplorer waypoint and route files: the third-party samples, the fields
+// a record may leave out, the datum shift, texts, refusals and progress.
+#include "formats/ozi_waypoint_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "app/file_io.h"
+#include "geodesy/lista_datums.h"
+#include "tests/support/proj_sweep.h"
+#include "tests/support/testdata.h"
+
+namespace velantis {
+namespace {
+
+constexpr double kDegreeTolerance = 1e-6;
+constexpr double kOneSecondInDays = 1 / kSecondsPerDay;
+
+std::string Bytes(const std::filesystem::path& path) {
+  std::string bytes, error;
+  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
+  return bytes;
+}
+
+std::string WaypointFile(std::string_view records, std::string_view datum = "WGS 84") {
+  return "OziExplorer Waypoint File Version 1.1\r\n" + std::string(datum) + "\r\nReserved 2\r\ngarmin\r\n" +
+         std::string(records);
+}
+
+std::string RouteFile(std::string_view lines) {
+  return "OziExplorer Route File Version 1.0\r\nWGS 84\r\nReserved 1\r\nReserved 2\r\n" + std::string(lines);
+}
+
+TWaypoints ReadWaypoints(std::string_view bytes, const TNativeOptions& options = {}) {
+  TWaypoints list;
+  std::string error;
+  EXPECT_TRUE(ReadOziWaypoints(bytes, options, list, error)) << error;
+  return list;
+}
+
+TEST(OziFileKind, FirstLineDecides) {
+  const std::tuple<std::string_view, bool, bool> cases[] = {
+      {"OziExplorer Waypoint File Version 1.1\r\nWGS 84\r\n", true, false},
+      {"OziExplorer Waypoint File Version 1.0  \nWGS 84\n", true, false},
+      {"OziExplorer CE Waypoint File Version 1.0", true, false},
+      {"OziExplorer Waypoint File Version 1.2\r\n", false, false},
+      {"WGS 84\r\nOziExplorer Waypoint File Version 1.1\r\n", false, false},
+      {"OziExplorer Route File Version 1.0\r\n", false, true},
+      {"G  WGS 84\r\nW  NAME 1 2\r\n", false, false},
+      {"", false, false},
+  };
+  for (const auto& [bytes, waypoints, route] : cases) {
+    EXPECT_EQ(IsOziWaypointFile(bytes), waypoints) << bytes;
+    EXPECT_EQ(IsOziRouteFile(bytes), route) << bytes;
+  }
+}
+
+TEST(OziWaypoints, Samples) {
+  struct Expected {
+    size_t index;
+    const char* name;
+    double lat, lon;
+    double metres;  // NAN: none
+    double days;    // 0: none
+    const char* description;
+  };
+  struct Sample {
+    const char* file;
+    size_t count;
+    double metresTolerance;
+    uint32_t colour2;  // 65535 in the files; euregio9 leaves the field blank
+    double proximity;
+    std::vector<Expected> points;
+  };
+  // waypoints_ozi.wpt: the published heights of the landmarks, which the
+  // file holds in feet. The others: the file's own values, feet x 0.3048.
+  const Sample samples[] = {
+      {"ozi/waypoints_ozi.wpt", 5, 0.5, 0xFFFF00, 0,
+       {{0, "Aconcagua", -32.653333, -70.011667, 6962, 40652.2883218, "Aconcagua"},
+        {1, "Bergneustadt", 51.051950, 7.706117, 488, 40652.2883218, "Bergneustadt"},
+        {2, "Golden Gate Bridge", 37.817500, -122.478333, 227, 40652.2883218, "Golden Gate Bridge"},
+        {3, "Red Square", 55.754167, 37.620000, 123, 40652.2883218, "Red Square"},
+        {4, "Sydney Opera", -33.856950, 151.215267, 5, 40652.2883218, "Sydney Opera"}}},
+      {"ozi/ozi.wpt", 9, 1e-3, 0xFFFF00, 0,
+       {{0, "GCEBB", 35.972033, -87.134700, 0, 0, "Mountain Bike Heaven by susy1313"},
+        {7, "GC317A", 36.057500, -86.892000, 0, 0, "GittyUp by JoGPS / Warner Parks"}}},
+      {"ozi/ozi1.wpt", 11, 1e-3, 0xFFFF00, 0,
+       {{0, "AVTOST", 59.084180, 42.281750, 135.9408, 40233.4347365, "23-FEB-10 16:15:59"},
+        {4, "OBHOD-Y", 59.124833, 42.438184, NAN, 40233.4424097, ""},
+        {6, "POLE-X", 59.165280, 42.576680, 203.9112, 40231.6599306, "TP - 24.02.2010 10:40:50"}}},
+      {"ozi/euregio9_ozi.wpt", 99, 1e-3, 0xFFFFFF, 500,
+       {{0, "AACHEN", 50.814167, 6.191389, 188.976, 39594.000006, "PUMPSTATION GAFOR=34"},
+        {98, "ZLRWDK", 50.823056, 6.186389, 189.8904, 39594.000006, "ZIELLINIE EDKA GAFOR=34"}}},
+  };
+  for (const Sample& sample : samples) {
+    VELANTIS_TESTDATA_OR_SKIP(path, sample.file);
+    const TWaypoints list = ReadWaypoints(Bytes(path));
+    ASSERT_EQ(list.Count(), sample.count) << sample.file;
+    EXPECT_TRUE(list.FromOziExplorer());
+    EXPECT_FALSE(list.Modified());
+    for (const Expected& e : sample.points) {
+      SCOPED_TRACE(std::string(sample.file) + " " + e.name);
+      const TBaliza& b = list.Baliza(e.index);
+      EXPECT_EQ(b.Name(), e.name);
+      EXPECT_EQ(b.Description(), e.description);
+      EXPECT_NEAR(b.Latitude(), e.lat, kDegreeTolerance);
+      EXPECT_NEAR(b.Longitude(), e.lon, kDegreeTolerance);
+      EXPECT_EQ(b.HasAltitude(), !std::isnan(e.metres));
+      if (b.HasAltitude()) {
+        EXPECT_NEAR(b.Altitude(), e.metres, sample.metresTolerance);
+      }
+      EXPECT_EQ(b.Time().IsNull(), e.days == 0);
+      if (e.days != 0) {
+        EXPECT_NEAR(b.Time().Days(), e.days, 1e-9);
+      }
+      EXPECT_EQ(b.LabelColour1(), 0x000000u);
+      EXPECT_EQ(b.LabelColour2(), sample.colour2);
+      EXPECT_NEAR(b.ProximityRadius(), sample.proximity, sample.proximity * 0.0025);
+    }
+  }
+}
+
+TEST(OziWaypoints, TextsColoursAndOptionalFields) {
+  struct Case {
+    const char* record;
+    const char* name;
+    const char* description;
+    uint32_t colour1, colour2;
+    double metres;  // NAN: none
+  };
+  TNativeOptions options;
+  options.defaults.colour1 = PackLabelColour(0x0000FF);
+  options.defaults.colour2 = PackLabelColour(0x00FFFF);
+  options.defaults.displayFlag3 = true;
+  // "\xD1" is the stored comma, "\xE9" an e acute and "\x80" the euro sign.
+  const Case cases[] = {
+      {"1,Caf\xE9\xD1 bar,1,2,0,0,1,3,255,16711680,Ni\xD1 \x80,0,0,0,100", "Café, bar", "Ni, €", 0xFF0000, 0x0000FF,
+       30.48},
+      {"2 , PADDED , 1 , 2 , , 0 , 1 , 3 , 65280 , 0 , text , 0 , 0 , 0 , -777 ", "PADDED", "text", 0x00FF00, 0, NAN},
+      {"3,SHORT,1,2", "SHORT", "", 0x0000FF, 0x00FFFF, NAN},
+      {"4,NEG,1,2,0,0,1,3,,,,0,0,0,-1.5", "NEG", "", 0x0000FF, 0x00FFFF, -0.4572},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    const TWaypoints list = ReadWaypoints(WaypointFile("\r\n" + std::string(c.record) + "\r\n \r\n"), options);
+    ASSERT_EQ(list.Count(), 1u);  // blank lines skipped
+    const TBaliza& b = list.Baliza(0);
+    EXPECT_EQ(b.Name(), c.name);
+    EXPECT_EQ(b.Description(), c.description);
+    EXPECT_EQ(b.LabelColour1(), c.colour1);
+    EXPECT_EQ(b.LabelColour2(), c.colour2);
+    EXPECT_EQ(b.HasAltitude(), !std::isnan(c.metres));
+    if (b.HasAltitude()) {
+      EXPECT_NEAR(b.Altitude(), c.metres, 1e-4);
+    }
+    EXPECT_TRUE(b.Time().IsNull());
+    EXPECT_TRUE(b.DisplayFlag3());
+    EXPECT_EQ(b.State() & kBalizaStateTransientBit, 0);
+    EXPECT_DOUBLE_EQ(b.Latitude(), 1);
+    EXPECT_DOUBLE_EQ(b.Longitude(), 2);
+  }
+}
+
+TEST(OziWaypoints, PositionsShiftFromTheFileDatum) {
+  int configured = 0;
+  TListaDatums datums(configured);
+  datums.Add(test::MakeDatum("WGS 84", test::kWgs84A, test::kWgs84Rf, 0, 0, 0));
+  datums.Add(test::MakeDatum("European 1950", test::kInternationalA, test::kInternationalRf, -87, -98, -121));
+  TNativeOptions options;
+  options.datums = &datums;
+  const TWaypoints list = ReadWaypoints(WaypointFile("1,MADRID,40.416775,-3.703790\r\n", "European 1950"), options);
+  ASSERT_EQ(list.Count(), 1u);
+  TLonLat expected{-3.703790, 40.416775};
+  std::string error;
+  ASSERT_TRUE(datums.Transforma_Grados_Datum(expected, 1, 0, error)) << error;
+  // ED50 lies a hundred metres or more off WGS 84 in Spain.
+  ASSERT_GT(std::abs(expected.lat - 40.416775) + std::abs(expected.lon + 3.703790), 5e-4);
+  EXPECT_NEAR(list.Baliza(0).Latitude(), expected.lat, 1e-9);
+  EXPECT_NEAR(list.Baliza(0).Longitude(), expected.lon, 1e-9);
+}
+
+TEST(OziWaypoints, FailuresLeaveTheListAsItWas) {
+  int configured = 0;
+  TListaDatums datums(configured);
+  datums.Add(test::MakeDatum("WGS 84", test::kWgs84A, test::kWgs84Rf, 0, 0, 0));
+  TNativeOptions withList;
+  withList.datums = &datums;
+  const TNativeOptions withoutList;
+  const std::tuple<std::string, const TNativeOptions*, std::string_view> cases[] = {
+      {WaypointFile("1,A,1,2\r\n", "European 1950"), &withoutList, "Unknown datum: European 1950"},
+      {WaypointFile("1,A,1,2\r\n", "Potsdam"), &withList, "Unknown datum: Potsdam"},
+      {WaypointFile("1,A,1,2\r\n2,B,3\r\n"), &withoutList, "Error in WPT file"},
+      {WaypointFile("1,A,north,2\r\n"), &withoutList, "Error in WPT file"},
+  };
+  for (const auto& [bytes, options, expected] : cases) {
+    TWaypoints list;
+    list.Add(TBaliza());
+    std::string error;
+    EXPECT_FALSE(ReadOziWaypoints(bytes, *options, list, error)) << bytes;
+    EXPECT_EQ(error, expected);
+    EXPECT_EQ(list.Count(), 1u);
+    EXPECT_FALSE(list.FromOziExplorer());
+  }
+}
+
+TEST(OziWaypoints, ProgressCountsTheBytesAndACancelStopsTheRead) {
+  const std::string bytes = WaypointFile("1,A,1,2\r\n2,B,3,4\r\n3,C,5,6\r\n");
+  TProgress progress;
+  TNativeOptions options;
+  options.progress = &progress;
+  EXPECT_EQ(ReadWaypoints(bytes, options).Count(), 3u);
+  EXPECT_EQ(progress.Total(), static_cast<int64_t>(bytes.size()));
+  EXPECT_EQ(progress.Steps(), static_cast<int64_t>(bytes.size()));
+
+  progress.Cancel();
+  TWaypoints list;
+  std::string error;
+  EXPECT_FALSE(ReadOziWaypoints(bytes, options, list, error));
+  EXPECT_EQ(error, kCancelledError);
+  EXPECT_EQ(list.Count(), 0u);
+  TRuta route;
+  EXPECT_FALSE(ReadOziRoute(RouteFile("R,0,X,,0\r\nW,0,1,1,A,1,2\r\n"), options, route, error));
+  EXPECT_EQ(error, kCancelledError);
+}
+
+TEST(OziRoute, FirstRouteAsGpsBabelDecodesIt) {
+  VELANTIS_TESTDATA_OR_SKIP(path, "ozi/ozi.rte");
+  // The first <rte> of ozi/ozi~gpx.gpx. GPSBabel's milliseconds stray from
+  // the stored day count by up to a second; the whole seconds agree.
+  struct Expected {
+    const char* name;
+    double lat, lon;
+    TDateTime time;
+    const char* description;
+  };
+  const Expected expected[] = {
+      {"MPCHIC", -34.445850, -58.523720, TDateTime::FromCalendar(2010, 11, 25, 20, 26, 0.851), "MARINA PUNTA CHICA"},
+      {"JA12", -34.447380, -58.507270, TDateTime::FromCalendar(2013, 3, 11, 19, 52, 36.828), ""},
+  };
+  TRuta route;
+  std::string error;
+  ASSERT_TRUE(ReadOziRoute(Bytes(path), {}, route, error)) << error;
+  EXPECT_EQ(route.Name(), "1 COSTANERO JA");
+  EXPECT_EQ(route.Description(), "");
+  EXPECT_TRUE(route.FromOziExplorer());
+  EXPECT_FALSE(route.Modified());
+  ASSERT_EQ(route.Count(), std::size(expected));
+  for (size_t i = 0; i < route.Count(); ++i) {
+    const TBaliza& b = route.Point(i).baliza;
+    EXPECT_EQ(b.Name(), expected[i].name);
+    EXPECT_EQ(b.Description(), expected[i].description);
+    EXPECT_NEAR(b.Latitude(), expected[i].lat, kDegreeTolerance);
+    EXPECT_NEAR(b.Longitude(), expected[i].lon, kDegreeTolerance);
+    EXPECT_NEAR(b.Time().Days(), expected[i].time.Days(), kOneSecondInDays) << b.Name();
+  }
+}
+
+TEST(OziRoute, OnlyTheFirstRouteIsRead) {
+  struct Case {
+    const char* lines;
+    const char* name;
+    const char* description;
+    std::vector<std::string> points;
+  };
+  const Case cases[] = {
+      {"\r\nW,9,1,1,EARLY,1,2\r\nR,0,FIRST,About it,255\r\n\r\nW,0,1,7,A,1,2\r\n  \r\nW,0,2,8,B,3,4\r\n"
+       "R,1,SECOND,,0\r\nW,1,1,9,C,5,6\r\n",
+       "FIRST", "About it", {"A", "B"}},
+      {"R,0,Ni\xD1o\r\n", "Ni,o", "", {}},
+      {"R , 3 , PADDED , text \r\nW, 3, 1, 1, P , 1 , 2\r\n", "PADDED", "text", {"P"}},
+  };
+  for (const Case& c : cases) {
+    TRuta route;
+    std::string error;
+    ASSERT_TRUE(ReadOziRoute(RouteFile(c.lines), {}, route, error)) << error;
+    EXPECT_EQ(route.Name(), c.name);
+    EXPECT_EQ(route.Description(), c.description);
+    ASSERT_EQ(route.Count(), c.points.size()) << c.name;
+    for (size_t i = 0; i < c.points.size(); ++i) EXPECT_EQ(route.Point(i).baliza.Name(), c.points[i]);
+  }
+}
+
+TEST(OziRoute, Failures) {
+  const std::pair<std::string, std::string_view> cases[] = {
+      {RouteFile("\r\n\r\nW,0,1,1,A,1,2\r\n"), "No rte sections in this file!"},
+      {RouteFile("R,0,X\r\nW,0,1,1,A,1\r\n"), "Error in WPT file"},
+      {RouteFile("R,0,X\r\nW,0,1\r\n"), "Error in WPT file"},
+      {"OziExplorer Route File Version 1.0\r\nTokyo\r\n\r\n\r\nR,0,X\r\n", "Unknown datum: Tokyo"},
+  };
+  for (const auto& [bytes, expected] : cases) {
+    TRuta route;
+    route.SetName("kept");
+    std::string error;
+    EXPECT_FALSE(ReadOziRoute(bytes, {}, route, error)) << bytes;
+    EXPECT_EQ(error, expected);
+    EXPECT_EQ(route.Name(), "kept");
+  }
+}
+
+}  // namespace
+}  // namespace velantis

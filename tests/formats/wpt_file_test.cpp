@@ -1,0 +1,276 @@
+// The native waypoint file: the exact lines, the edge cases of names,
+// altitudes and times, round trips in every notation and code page, and
+// saves that fail without touching the old file.
+#include "formats/wpt_file.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <thread>
+
+#include "app/file_io.h"
+#include "formats/native_text.h"
+#include "tests/formats/element_samples.h"
+#include "tests/support/testdata.h"
+
+namespace velantis {
+namespace {
+
+std::string ReadAll(const std::filesystem::path& path) {
+  std::string bytes, error;
+  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
+  return bytes;
+}
+
+std::string Written(const TWaypoints& list, const TNativeOptions& options) {
+  const auto path = test::ScratchDir("wpt-written") / "list.wpt";
+  std::string error;
+  EXPECT_TRUE(WriteWptFile(path.string(), list, options, error)) << error;
+  return ReadAll(path);
+}
+
+TNativeOptions Utf8Options() {
+  TNativeOptions options;
+  options.codePage = "UTF-8";
+  return options;
+}
+
+TEST(WptFile, WritesTheDocumentedLines) {
+  TWaypoints list;
+  TBaliza plain;
+  plain.SetName("A B");
+  plain.SetPosition(41.391667, -2.175);
+  plain.SetDescription("Font, 100% fresca\r\n");
+  TBaliza styled;
+  styled.SetName("Refugi");
+  styled.SetPosition(-33.5, 151.25);
+  styled.SetAltitude(1234.5f);
+  styled.SetTime(TDateTime::FromCalendar(2024, 6, 5, 13, 7, 0));
+  styled.SetSymbol("Flag");
+  styled.SetSizeByte(kSizeByteUnset);
+  styled.SetProximityRadius(50);
+  styled.SetLabel(TTextLabel{"hut", 1, 2, 3, 4, 5, 0, {}});
+  list.Add(plain);
+  list.Add(styled);
+  EXPECT_EQ(Written(list, Utf8Options()),
+            "B  UTF-8\r\nG  WGS 84\r\n"
+            "z  -33.500000,-2.175000,41.391667,151.250000\r\n"
+            "W  A_B___ 41.391667\xC2\xBAN 2.175000\xC2\xBAW 27-MAR-62 00:00:00 -9999.000000 Font 100 fresca\r\n"
+            "W  Refugi 33.500000\xC2\xBAS 151.250000\xC2\xBA" "E 05-JUN-24 13:07:00 1234.500000 \r\n"
+            "w  Flag,0,0.000000,0,16777215,0,39,,50.000000,0,-1,0,0\r\n"
+            "t \"hut\",1,2,3,4, 5\r\n"
+            "\r\n\r\n");
+}
+
+TEST(WptFile, EdgeCasesOfTheWaypointLine) {
+  struct Case {
+    const char* name;
+    float altitude;
+    const char* expectedName;       // as written
+    const char* expectedAltitude;   // as written
+    const char* readName;           // as read back
+    bool altitudeKnown;
+  };
+  const Case cases[] = {
+      {"A B", 10, "A_B___", "10.000000", "A B   ", true},
+      {"AB", -999.5f, "AB____", "-999.500000", "AB    ", true},
+      {"", -1000, "______", "-9999.000000", "      ", false},
+      {"Long name", -20000, "Long_name", "-9999.000000", "Long name", false},
+      {"a,b%c\r\n", 0, "abc___", "0.000000", "abc   ", true},
+  };
+  for (const Case& c : cases) {
+    TWaypoints list;
+    TBaliza b;
+    b.SetName(c.name);
+    b.SetAltitude(c.altitude);
+    list.Add(b);
+    const std::string bytes = Written(list, Utf8Options());
+    const std::string expected = std::string("W  ") + c.expectedName + " 0.000000\xC2\xBAN 0.000000\xC2\xBA" "E " +
+                                 std::string(kNullDateText) + " " + c.expectedAltitude + " \r\n";
+    EXPECT_NE(bytes.find(expected), std::string::npos) << c.name << "\n" << bytes;
+    EXPECT_EQ(bytes.find("\r\nw "), std::string::npos) << "default extension values need no w line";
+    TWaypoints back;
+    std::string error;
+    ASSERT_TRUE(ReadWpt(bytes, Utf8Options(), back, error)) << error;
+    ASSERT_EQ(back.Count(), 1u);
+    EXPECT_EQ(back.Baliza(0).Name(), c.readName);
+    EXPECT_EQ(back.Baliza(0).HasAltitude(), c.altitudeKnown) << c.name;
+    EXPECT_TRUE(back.Baliza(0).Time().IsNull());
+  }
+}
+
+TEST(WptFile, ReadsLinesOfOtherWriters) {
+  const std::string file =
+      "G  WGS 84\r\nU  1\r\n"
+      "W  VOID 41\xBA" "23.500'N 2\xBA" "10.500'W 5-jun-24 13:07:00 -1000.0\r\n"
+      "W  Pic_del_Pla 41\xBA" "00.000'N 1\xBA" "00.000'E 05-JUN-24 13:07:00 2000.25 two  words\tand\r\n"
+      "w  ,3,,,,1,255,,12.5,9,-1,20,2\r\n"
+      "w  late line for the same waypoint\r\n"
+      "t  too,few,fields\r\n";
+  TWaypoints list;
+  std::string error;
+  ASSERT_TRUE(ReadWpt(file, TNativeOptions{}, list, error)) << error;
+  ASSERT_EQ(list.Count(), 2u);
+  const TBaliza& a = list.Baliza(0);
+  EXPECT_EQ(a.Name(), "");
+  EXPECT_NEAR(a.Latitude(), 41.391667, 1e-6);
+  EXPECT_NEAR(a.Longitude(), -2.175, 1e-9);
+  EXPECT_FALSE(a.HasAltitude());
+  EXPECT_EQ(a.Description(), "");
+  const TBaliza& b = list.Baliza(1);
+  EXPECT_EQ(b.Name(), "Pic del Pla");
+  EXPECT_EQ(b.Description(), "two words and");
+  EXPECT_FLOAT_EQ(b.Altitude(), 2000.25f);
+  EXPECT_EQ(b.DisplayMode(), 3);
+  EXPECT_TRUE(b.DisplayFlag3());
+  EXPECT_EQ(b.State(), 255 & ~kBalizaStateTransientBit);
+  EXPECT_EQ(b.ProximityRadius(), 12.5);
+  EXPECT_EQ(b.SizeByte(), kSizeByteUnset);
+  EXPECT_EQ(b.LabelFontStep(), 2);
+  EXPECT_EQ(b.LabelPlacement(), 2);
+  EXPECT_EQ(b.Symbol(), "late line for the same waypoint");
+  EXPECT_EQ(b.Label(), nullptr);
+  EXPECT_FALSE(list.Modified());
+}
+
+TEST(WptFile, RefusesWhatItCannotRead) {
+  const struct {
+    const char* file;
+    const char* error;
+  } cases[] = {
+      {"W  NAME 41.0\xC2\xBAN 2.0\xC2\xBA" "E 05-JUN-24\r\n", "Error in WPT file"},
+      {"G  Nowhere 1999\r\n", "Unknown datum: Nowhere 1999"},
+      {"U  9\r\n", "Unknown coordinate notation: 9"},
+      {"W  NAME 41.0 2.0 05-JUN-24 13:07:00 0 x\r\n", "Error in format lat/lon NO quadrant leter found: (N,S,E,W)"},
+  };
+  for (const auto& c : cases) {
+    TWaypoints list;
+    list.Add(TBaliza());
+    std::string error;
+    EXPECT_FALSE(ReadWpt(c.file, TNativeOptions{}, list, error)) << c.file;
+    EXPECT_EQ(error.substr(0, std::string(c.error).size()), c.error) << c.file;
+    EXPECT_EQ(list.Count(), 1u) << "a failed read leaves the list as it was";
+  }
+}
+
+TEST(WptFile, RoundTripsInEveryNotationDatumAndCodePage) {
+  int configured = 0;
+  TListaDatums datums(configured);
+  if (!test::LoadBuiltInDatums(datums)) GTEST_SKIP() << "the build's data folder has no datum list";
+  const int ed50 = datums.Find("European 1950");
+  ASSERT_GT(ed50, 0);
+  // The last printed unit of each notation, in degrees: the positions read
+  // back within half of it (the reader inverts the writer's datum shift).
+  const double unit[] = {1e-6, 0.001 / 60, 0.1 / 3600, 1e-6 * 0.9};
+  std::mt19937_64 random(42);
+  for (int notation = 0; notation < 4; ++notation) {
+    for (const char* codePage : {"UTF-8", "Windows-1252", ""}) {
+      for (const int datum : {0, ed50}) {
+        TNativeOptions options;
+        options.datums = &datums;
+        options.datum = datum;
+        options.notation = notation;
+        options.codePage = codePage;
+        options.defaults.displayFlag3 = notation % 2 == 1;
+        const TWaypoints list = test::SampleWaypoints(random, 25, options.defaults);
+        const std::string first = Written(list, options);
+        TWaypoints back;
+        std::string error;
+        ASSERT_TRUE(ReadWpt(first, options, back, error)) << error;
+        ASSERT_EQ(back.Count(), list.Count());
+        EXPECT_EQ(back.Description(), list.Description());
+        ASSERT_NE(back.Properties(), nullptr);
+        EXPECT_EQ(*back.Properties(), *list.Properties());
+        const double tolerance = unit[notation] / 2 + 1e-12;
+        for (size_t i = 0; i < list.Count(); ++i) {
+          const TBaliza& a = list.Baliza(i);
+          const TBaliza& b = back.Baliza(i);
+          const std::string where = std::string(codePage) + " notation " + std::to_string(notation) + " #" + std::to_string(i);
+          EXPECT_EQ(b.Name(), a.Name()) << where;
+          EXPECT_EQ(b.Description(), a.Description()) << where;
+          EXPECT_NEAR(b.Latitude(), a.Latitude(), tolerance) << where;
+          EXPECT_NEAR(b.Longitude(), a.Longitude(), tolerance) << where;
+          EXPECT_EQ(b.Altitude(), a.Altitude()) << where;
+          EXPECT_EQ(b.Time(), a.Time()) << where;
+          EXPECT_EQ(b.State(), a.State()) << where;
+          EXPECT_EQ(b.SizeByte(), a.SizeByte()) << where;
+          EXPECT_EQ(b.DisplayFlags(), a.DisplayFlags()) << where;
+          EXPECT_EQ(b.LabelFontStep(), a.LabelFontStep()) << where;
+          EXPECT_EQ(b.DisplayScaleRaw(), a.DisplayScaleRaw()) << where;
+          EXPECT_EQ(b.ProximityRadiusRaw(), a.ProximityRadiusRaw()) << where;
+          EXPECT_EQ(b.LabelColour1Packed(), a.LabelColour1Packed()) << where;
+          EXPECT_EQ(b.LabelColour2Packed(), a.LabelColour2Packed()) << where;
+          EXPECT_EQ(b.Symbol(), "Flag Blue") << "the comma of a symbol name is dropped";
+          EXPECT_EQ(b.Link(), a.Link()) << where;
+          ASSERT_EQ(b.Label() != nullptr, a.Label() != nullptr) << where;
+          if (a.Label()) {
+            EXPECT_EQ(*b.Label(), *a.Label()) << where;
+          }
+          ASSERT_NE(b.Properties(), nullptr);
+          EXPECT_EQ(*b.Properties(), *a.Properties()) << where;
+        }
+        EXPECT_EQ(Written(back, options), first) << "writing what was read gives the same bytes";
+      }
+    }
+  }
+}
+
+TEST(WptFile, ForcedExtensionLinesAndDefaultColours) {
+  TNativeOptions options = Utf8Options();
+  options.defaults.colour1 = PackLabelColour(0x123456);  // off the 5-6-5 palette
+  TWaypoints list;
+  list.Add(TBaliza(options.defaults));
+  EXPECT_EQ(Written(list, options).find("\r\nw "), std::string::npos);
+  TWaypoints back;
+  std::string error;
+  ASSERT_TRUE(ReadWpt(Written(list, options), options, back, error));
+  EXPECT_TRUE(back.Baliza(0).HasDefaultExtension(options.defaults));
+  options.forceExtensionLines = true;
+  EXPECT_NE(Written(list, options).find("\r\nw  ,0,0.000000,"), std::string::npos);
+}
+
+TEST(WptFile, FailedAndCancelledSavesLeaveTheOldFile) {
+  const auto dir = test::ScratchDir("wpt-cancel");
+  const std::string path = (dir / "keep.wpt").string();
+  std::mt19937_64 random(3);
+  TNativeOptions options = Utf8Options();
+  const TWaypoints list = test::SampleWaypoints(random, 50, options.defaults);
+  std::string error;
+  ASSERT_TRUE(WriteWptFile(path, list, options, error)) << error;
+  const std::string before = ReadAll(path);
+
+  TWaypoints other = test::SampleWaypoints(random, 50, options.defaults);
+  TProgress progress;
+  progress.Cancel();
+  options.progress = &progress;
+  EXPECT_FALSE(WriteWptFile(path, other, options, error));
+  EXPECT_EQ(error, kCancelledError);
+  options.progress = nullptr;
+  other.SetSaveProhibited(true);
+  EXPECT_FALSE(WriteWptFile(path, other, options, error));
+  EXPECT_EQ(error, kSaveProhibitedError);
+  other.SetSaveProhibited(false);
+  other.Baliza(3).SetPosition(95, 0);  // no notation prints a latitude beyond the pole
+  EXPECT_FALSE(WriteWptFile(path, other, options, error));
+  EXPECT_EQ(ReadAll(path), before);
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), std::filesystem::directory_iterator()), 1)
+      << "no temporary file is left behind";
+}
+
+TEST(WptFile, ProgressCountsEveryWaypoint) {
+  std::mt19937_64 random(5);
+  TNativeOptions options = Utf8Options();
+  const TWaypoints list = test::SampleWaypoints(random, 40, options.defaults);
+  TProgress progress;
+  options.progress = &progress;
+  const std::string bytes = Written(list, options);
+  EXPECT_EQ(progress.Total(), 40);
+  EXPECT_EQ(progress.Steps(), 40);
+  TWaypoints back;
+  std::string error;
+  ASSERT_TRUE(ReadWpt(bytes, options, back, error));
+  EXPECT_EQ(progress.Steps(), static_cast<int64_t>(bytes.size()));
+}
+
+}  // namespace
+}  // namespace velantis
