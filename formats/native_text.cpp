@@ -20,12 +20,6 @@ void AppendTwoDigits(std::string& out, int value) {
   out.push_back(static_cast<char>('0' + value % 10));
 }
 
-std::string_view Trim(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return text;
-}
-
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 int MonthNumber(std::string_view name) {
@@ -41,7 +35,7 @@ int MonthNumber(std::string_view name) {
 
 template <typename TInt>
 bool ParseWhole(std::string_view text, TInt& value) {
-  text = Trim(text);
+  text = TrimBlanks(text);
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   if (text.empty()) return false;
   TInt parsed{};
@@ -106,7 +100,7 @@ bool ParseDateTime(std::string_view date, std::string_view time, TDateTime& resu
       !ParseInt(t[1], c.minute) || !ParseReal(t[2], c.second))
     return false;
   c.month = month;
-  if (Trim(d[2]).size() <= 2) c.year += c.year >= kTwoDigitYearPivot ? 1900 : 2000;
+  if (TrimBlanks(d[2]).size() <= 2) c.year += c.year >= kTwoDigitYearPivot ? 1900 : 2000;
   if (c.year == kNullDate.year && c.month == kNullDate.month && c.day == kNullDate.day && c.hour == 0 &&
       c.minute == 0 && c.second == 0) {
     result = TDateTime();
@@ -118,8 +112,14 @@ bool ParseDateTime(std::string_view date, std::string_view time, TDateTime& resu
   return true;
 }
 
+std::string_view TrimBlanks(std::string_view text) {
+  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
 bool ParseReal(std::string_view text, double& value) {
-  text = Trim(text);
+  text = TrimBlanks(text);
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   if (text.empty()) return false;
   double parsed = 0;

@@ -38,6 +38,9 @@ void AppendDateTime(std::string& out, TDateTime time, bool fourDigitYear = false
 // The null text gives a null time. False when either is unreadable.
 bool ParseDateTime(std::string_view date, std::string_view time, TDateTime& result);
 
+// The text without its leading and trailing blanks and tabs.
+std::string_view TrimBlanks(std::string_view text);
+
 // Whole numbers and reals of a field, the whole field or nothing; leading
 // and trailing blanks are allowed, a leading "+" too.
 bool ParseReal(std::string_view text, double& value);

@@ -2,6 +2,7 @@
 
 #include "app/code_page.h"
 #include "formats/native_text.h"
+#include "formats/rte_file.h"
 #include "formats/waypoint_record.h"
 #include "geodesy/lista_datums.h"
 
@@ -10,7 +11,6 @@ namespace velantis {
 namespace {
 
 constexpr std::string_view kOziRouteHeader = "OziExplorer Route File";
-constexpr std::string_view kNoRouteError = "No rte sections in this file!";
 constexpr size_t kHeaderLines = 4;
 constexpr size_t kDatumLine = 2;
 // A comma inside a text field is stored as this byte.
@@ -49,16 +49,10 @@ constexpr size_t kRoutePointPrefixFields = 3;
 // A route file's "R" line: letter, route number, name, description, colour.
 enum TOziRouteField : size_t { kRouteLetter, kRouteNumber, kRouteName, kRouteDescription, kRouteFields };
 
-std::string_view Trim(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return text;
-}
-
 // Splits at commas into fields, each trimmed; returns their number.
 size_t SplitFields(std::string_view line, std::string_view* fields, size_t maxFields) {
   const size_t count = SplitAt(line, ',', fields, maxFields);
-  for (size_t i = 0; i < count; ++i) fields[i] = Trim(fields[i]);
+  for (size_t i = 0; i < count; ++i) fields[i] = TrimBlanks(fields[i]);
   return count;
 }
 
@@ -68,7 +62,7 @@ std::string OziText(std::string_view field) { return Cp1252ToUtf8(ReplaceChars(f
 std::string_view FirstLine(std::string_view bytes) {
   TLineCursor lines(bytes);
   std::string_view line;
-  return lines.Next(line) ? Trim(line) : std::string_view();
+  return lines.Next(line) ? TrimBlanks(line) : std::string_view();
 }
 
 // A Windows COLORREF (0x00BBGGRR) as 0xRRGGBB.
@@ -90,7 +84,7 @@ public:
     std::string_view datumName;
     std::string_view line;
     for (size_t number = 1; number <= kHeaderLines && m_lines.Next(line); ++number)
-      if (number == kDatumLine) datumName = Trim(line);
+      if (number == kDatumLine) datumName = TrimBlanks(line);
     bool ok = true;
     m_reader.HeaderLine('G', datumName, ok, error);
     return ok;
@@ -99,7 +93,7 @@ public:
   // The next line that is not blank, trimmed; false at the end.
   bool Next(std::string_view& line) {
     while (m_lines.Next(line)) {
-      line = Trim(line);
+      line = TrimBlanks(line);
       if (!line.empty()) return true;
     }
     return false;
@@ -200,7 +194,7 @@ bool ReadRoutePoint(std::string_view line, const TOziLines& file, TRuta& route, 
 // One line of a route file; a second "R" line moves section past the route.
 bool ReadRouteFileLine(std::string_view line, const TOziLines& file, TRouteSection& section, TRuta& route,
                        std::string& error) {
-  const std::string_view letter = Trim(line.substr(0, line.find(',')));
+  const std::string_view letter = TrimBlanks(line.substr(0, line.find(',')));
   if (letter == "R") {
     if (section == TRouteSection::Before) ReadRouteLine(line, route);
     section = section == TRouteSection::Before ? TRouteSection::First : TRouteSection::After;
@@ -248,7 +242,7 @@ bool ReadOziRoute(std::string_view bytes, const TNativeOptions& options, TRuta& 
     if (!ReadRouteFileLine(line, file, section, read, error) || !file.Step(error)) return false;
   }
   if (section == TRouteSection::Before) {
-    error = kNoRouteError;
+    error = kNoRteSections;
     return false;
   }
   read.SetFromOziExplorer(true);
