@@ -24,3 +24,11 @@ echo "== OSGB36 -> British National Grid (Ordnance Survey's worked example: 6514
 echo "== the notations"
 for n in 0 1 2 3; do "$velantis" format --notation "$n" 41.391666667 -2.175; done
 "$velantis" parse "41 23.5'N"
+echo "== a waypoint file and a track file"
+"$velantis" info data/examples/vallferrera.wpt
+"$velantis" info --json data/examples/vallferrera.trk
+echo "== the track written in European 1950, degrees and minutes (first lines)"
+out="$(mktemp -d)"
+"$velantis" convert data/examples/vallferrera.trk "$out/vallferrera-ed50.trk" --datum "European 1950" --notation 1
+sed -n 1,14p "$out/vallferrera-ed50.trk"
+rm -rf "$out"
