@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <random>
 
+#include "bench/random_walk.h"
 #include "core/track.h"
 
 namespace {
@@ -41,24 +42,13 @@ size_t ResidentBytes() {
   return static_cast<size_t>(resident) * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
-// A random walk at about 1 Hz near 42 N, 1 E, with heart rate and altitude.
+// The walk, one point in kLabelEvery with a label.
 void Fill(TTrack& track) {
-  std::mt19937_64 random(20261123);
-  std::normal_distribution<double> step(0, 2e-5);
-  TrkPnt p;
-  p.lat = 42.0;
-  p.lon = 1.0;
-  p.altitude = 1500;
-  const TDateTime start = TDateTime::FromCalendar(2024, 7, 1, 8, 0, 0);
+  velantis::bench::TRandomWalk walk(20261123);
   velantis::TTextLabel label;
   label.text = "km";
   for (size_t i = 0; i < kPoints; ++i) {
-    p.lat += step(random);
-    p.lon += step(random);
-    p.altitude += static_cast<float>(step(random) * 1e4);
-    p.time = start.PlusSeconds(static_cast<double>(i));
-    p.heartRateByte = static_cast<uint8_t>(100 + i % 50);
-    track.Anyade_Punt(p);
+    track.Anyade_Punt(walk.Next());
     if (i % kLabelEvery == 0) track.SetPointLabel(i, label);
   }
 }

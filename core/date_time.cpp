@@ -37,7 +37,8 @@ void CivilFromDays(long z, int& year, int& month, int& day) {
 
 TDateTime TDateTime::FromCalendar(const TCalendarTime& t) {
   if (t.month < 1 || t.month > 12 || t.day < 1 || t.day > 31 || t.hour < 0 || t.hour > 23 ||
-      t.minute < 0 || t.minute > 59 || !(t.second >= 0 && t.second < 61))
+      t.minute < 0 || t.minute > 59 || !(t.second >= 0 && t.second < 61) || t.year > kMaxCalendarYear ||
+      t.year < -kMaxCalendarYear)
     return TDateTime();
   const long days = DaysFromCivil(t.year, static_cast<unsigned>(t.month), static_cast<unsigned>(t.day)) -
                     kEpochShiftDays;
@@ -46,7 +47,7 @@ TDateTime TDateTime::FromCalendar(const TCalendarTime& t) {
 }
 
 bool TDateTime::ToCalendar(TCalendarTime& t) const {
-  if (IsNull()) return false;
+  if (!(std::fabs(m_days) <= kMaxCalendarDays)) return false;
   double whole = std::floor(m_days);
   double millis = std::round((m_days - whole) * kSecondsPerDay * 1000.0);
   if (millis >= kSecondsPerDay * 1000.0) {
@@ -65,7 +66,7 @@ std::string TDateTime::ToIsoText() const {
   if (IsNull()) return {};
   const TDateTime rounded(std::round(m_days * kSecondsPerDay) / kSecondsPerDay);
   TCalendarTime t;
-  rounded.ToCalendar(t);
+  if (!rounded.ToCalendar(t)) return {};
   char text[40];
   std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", t.year, t.month, t.day, t.hour, t.minute,
                 static_cast<int>(t.second));

@@ -27,13 +27,19 @@ struct TCalendarTime {
 };
 
 inline constexpr double kSecondsPerDay = 86400.0;
+// The calendar's reach: years -1,000,000 to 1,000,000, some 365 million days
+// either side of the epoch. Times beyond it (only damaged files give them)
+// have no calendar form.
+inline constexpr int kMaxCalendarYear = 1'000'000;
+inline constexpr double kMaxCalendarDays = 365.2425 * kMaxCalendarYear;
 
 class TDateTime {
 public:
   constexpr TDateTime() = default;  // null
   static constexpr TDateTime FromDays(double days) { return TDateTime(days); }
   // No range check beyond the calendar's: month 1..12, day 1..31, hour
-  // 0..23, minute 0..59, second 0..<61; anything else gives a null time.
+  // 0..23, minute 0..59, second 0..<61, a year within kMaxCalendarYear;
+  // anything else gives a null time.
   static TDateTime FromCalendar(const TCalendarTime& time);
   static TDateTime FromCalendar(int year, int month, int day, int hour = 0, int minute = 0,
                                 double second = 0) {
@@ -44,7 +50,7 @@ public:
   // The day count; NaN when null.
   double Days() const { return m_days; }
 
-  // False for a null time. Seconds are rounded to whole milliseconds first,
+  // False for a null time and one beyond kMaxCalendarDays (or not finite). Seconds are rounded to whole milliseconds first,
   // so 23:59:59.9996 reads as the next day at 00:00:00.
   bool ToCalendar(TCalendarTime& time) const;
 

@@ -251,12 +251,17 @@ void TNativeReader::PropertyLine(std::string_view bytes, TPropertyList& properti
 
 bool ReadLines(std::string_view bytes, TProgress* progress,
                const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error) {
-  TLineCursor lines(bytes);
   ProgressSetTotal(progress, static_cast<int64_t>(bytes.size()));
+  return ReadLineRun(bytes, 0, progress, readLine, error);
+}
+
+bool ReadLineRun(std::string_view bytes, size_t base, TProgress* progress,
+                 const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error) {
+  TLineCursor lines(bytes);
   std::string_view line;
   size_t counted = 0;
   while (lines.Next(line)) {
-    if (!readLine(line, lines.Offset())) return false;
+    if (!readLine(line, base + lines.Offset())) return false;
     if (!ProgressStep(progress, static_cast<int64_t>(lines.Consumed() - counted))) {
       error = kCancelledError;
       return false;

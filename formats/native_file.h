@@ -146,5 +146,9 @@ private:
 // or with kCancelledError when the progress object is cancelled.
 bool ReadLines(std::string_view bytes, TProgress* progress,
                const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error);
+// The same for a run of whole lines that starts at file offset base, when a
+// file is read piece by piece: the progress total is the caller's to set.
+bool ReadLineRun(std::string_view bytes, size_t base, TProgress* progress,
+                 const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error);
 
 }  // namespace velantis

@@ -33,6 +33,83 @@ int MonthNumber(std::string_view name) {
   return 0;
 }
 
+// Reals are most of what a track file holds, so the common cases take a
+// short way that gives the very same text and values as the general one.
+//
+// Printing: a value a float holds exactly (the altitudes, speeds and other
+// receiver values of a track point) with at most six decimals. Its count of
+// the last printed unit, value x 10^precision, is exact in a double (24 bits
+// of float times 5^6 < 2^14 fit in 53), so rounding that count to nearest,
+// ties to even, gives the digits to_chars and printf give.
+constexpr int kMaxExactDecimals = 6;
+constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9, 1e10, 1e11,
+                                   1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr uint64_t kWholePowersOfTen[] = {1, 10, 100, 1000, 10000, 100000, 1000000};
+constexpr double kMaxExactMagnitude = 1e12;
+
+bool AppendExactReal(std::string& out, double value, int precision) {
+  if (precision < 0 || precision > kMaxExactDecimals || !(std::fabs(value) < kMaxExactMagnitude) ||
+      static_cast<double>(static_cast<float>(value)) != value)
+    return false;
+  const double scaled = std::fabs(value) * kPowersOfTen[precision];
+  double units = std::floor(scaled);
+  const double rest = scaled - units;  // exact: both below 2^53
+  if (rest > 0.5 || (rest == 0.5 && std::fmod(units, 2.0) != 0)) units += 1;
+  const auto count = static_cast<uint64_t>(units);
+  const uint64_t unit = kWholePowersOfTen[precision];
+  char buffer[48];
+  char* end = buffer;
+  if (std::signbit(value)) *end++ = '-';
+  end = std::to_chars(end, buffer + sizeof buffer, count / unit).ptr;
+  if (precision > 0) {
+    *end++ = '.';
+    uint64_t fraction = count % unit;
+    for (int k = precision - 1; k >= 0; --k) {
+      end[k] = static_cast<char>('0' + fraction % 10);
+      fraction /= 10;
+    }
+    end += precision;
+  }
+  out.append(buffer, end);
+  return true;
+}
+
+// Reading: "[-]digits[.digits]" with at most 19 digits in all. When they
+// make a whole number up to 2^53 with at most 22 decimals, the number and
+// the power of ten are exact doubles and one division, correctly rounded
+// (the default rounding mode), gives the correctly rounded value, as
+// from_chars does. Anything else ("1.", ".5", exponents, longer texts) goes
+// the general way.
+constexpr size_t kMaxPlainDigits = 19;
+constexpr uint64_t kMaxExactWhole = uint64_t{1} << 53;
+
+bool ParsePlainReal(std::string_view text, double& value) {
+  size_t i = 0;
+  const bool negative = text[0] == '-';
+  if (negative) ++i;
+  uint64_t digits = 0;
+  size_t count = 0, decimals = 0;
+  const size_t wholeStart = i;
+  while (i < text.size() && text[i] >= '0' && text[i] <= '9') digits = digits * 10 + static_cast<uint64_t>(text[i++] - '0');
+  if (i == wholeStart) return false;
+  count = i - wholeStart;
+  if (i < text.size() && text[i] == '.') {
+    const size_t fractionStart = ++i;
+    while (i < text.size() && text[i] >= '0' && text[i] <= '9' && count < kMaxPlainDigits) {
+      digits = digits * 10 + static_cast<uint64_t>(text[i++] - '0');
+      ++count;
+    }
+    decimals = i - fractionStart;
+    if (decimals == 0) return false;
+  }
+  if (i != text.size() || count > kMaxPlainDigits || digits > kMaxExactWhole ||
+      decimals >= std::size(kPowersOfTen))
+    return false;
+  const double magnitude = static_cast<double>(digits) / kPowersOfTen[decimals];
+  value = negative ? -magnitude : magnitude;
+  return true;
+}
+
 template <typename TInt>
 bool ParseWhole(std::string_view text, TInt& value) {
   text = TrimBlanks(text);
@@ -48,6 +125,7 @@ bool ParseWhole(std::string_view text, TInt& value) {
 }  // namespace
 
 void AppendReal(std::string& out, double value, int precision) {
+  if (AppendExactReal(out, value, precision)) return;
   char buffer[400];
   const auto result = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, precision);
   if (result.ec != std::errc()) {
@@ -71,6 +149,8 @@ void AppendDateTime(std::string& out, TDateTime time, bool fourDigitYear) {
   TCalendarTime c = kNullDate;
   if (!time.IsNull()) {
     const double seconds = std::round(time.Days() * kSecondsPerDay);
+    // A time beyond the calendar's reach (only a damaged file gives one) is
+    // written like a null one.
     if (!TDateTime::FromDays(seconds / kSecondsPerDay).ToCalendar(c)) c = kNullDate;
   }
   AppendTwoDigits(out, c.day);
@@ -122,6 +202,7 @@ bool ParseReal(std::string_view text, double& value) {
   text = TrimBlanks(text);
   if (!text.empty() && text.front() == '+') text.remove_prefix(1);
   if (text.empty()) return false;
+  if (ParsePlainReal(text, value)) return true;
   double parsed = 0;
   const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), parsed);
   if (ec != std::errc() || end != text.data() + text.size()) return false;
@@ -134,17 +215,18 @@ bool ParseInt(std::string_view text, int& value) { return ParseWhole(text, value
 
 size_t SplitBlanks(std::string_view line, std::string_view* fields, size_t maxFields) {
   size_t count = 0;
-  size_t i = 0;
+  const char* at = line.data();
+  const char* const end = at + line.size();
   while (count < maxFields) {
-    while (i < line.size() && IsBlank(line[i])) ++i;
-    if (i == line.size()) break;
+    while (at != end && IsBlank(*at)) ++at;
+    if (at == end) break;
     if (count + 1 == maxFields) {
-      fields[count++] = line.substr(i);
+      fields[count++] = std::string_view(at, static_cast<size_t>(end - at));
       break;
     }
-    const size_t start = i;
-    while (i < line.size() && !IsBlank(line[i])) ++i;
-    fields[count++] = line.substr(start, i - start);
+    const char* const start = at;
+    while (at != end && !IsBlank(*at)) ++at;
+    fields[count++] = std::string_view(start, static_cast<size_t>(at - start));
   }
   return count;
 }

@@ -14,13 +14,13 @@ constexpr size_t kMaxWaypointFields = 20;
 constexpr size_t kExtensionFields = 13;
 constexpr std::string_view kVoidName = "VOID";
 constexpr float kUnknownAltitudeWritten = -9999.0f;
-constexpr uint8_t kDisplayBit3 = 0x08;
-constexpr uint8_t kDisplayBits67 = 0xC0;
 
 std::string FileName(const std::string& name) {
   std::string text = RemoveChars(name, kRemovedFromTexts);
   if (text.size() < kMinNameLength) text.append(kMinNameLength - text.size(), ' ');
-  std::replace(text.begin(), text.end(), ' ', '_');
+  // The reader splits the line at blanks and tabs: both travel as "_".
+  for (char& c : text)
+    if (c == ' ' || c == '\t') c = '_';
   return text;
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <tuple>
+
 namespace velantis {
 namespace {
 
@@ -30,6 +33,19 @@ TEST(DateTime, CalendarToDaysAndBack) {
   EXPECT_FALSE(TDateTime() == TDateTime::FromDays(0));
   EXPECT_TRUE(TDateTime::FromCalendar(2021, 13, 1).IsNull());
   EXPECT_EQ(TDateTime::FromCalendar(2019, 12, 31, 23, 59, 59.9996).ToIsoText(), "2020-01-01 00:00:00");
+}
+
+TEST(DateTime, BeyondTheCalendarsReach) {
+  TCalendarTime c;
+  for (const double days : {kMaxCalendarDays * 1.01, -kMaxCalendarDays * 1.01, 1e300, HUGE_VAL, -HUGE_VAL}) {
+    EXPECT_FALSE(TDateTime::FromDays(days).ToCalendar(c)) << days;
+    EXPECT_EQ(TDateTime::FromDays(days).ToIsoText(), "") << days;
+  }
+  ASSERT_TRUE(TDateTime::FromDays(kMaxCalendarDays * 0.99).ToCalendar(c));
+  EXPECT_GT(c.year, kMaxCalendarYear * 0.98);
+  EXPECT_TRUE(TDateTime::FromCalendar(kMaxCalendarYear + 1, 1, 1).IsNull());
+  EXPECT_TRUE(TDateTime::FromCalendar(-kMaxCalendarYear - 1, 1, 1).IsNull());
+  EXPECT_FALSE(TDateTime::FromCalendar(kMaxCalendarYear, 12, 31).IsNull());
 }
 
 }  // namespace

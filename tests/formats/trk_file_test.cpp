@@ -142,6 +142,31 @@ TEST(TrkFile, RoundTripsEveryField) {
   }
 }
 
+TEST(TrkFile, FilesReadPieceByPieceLikeTheirBytes) {
+  // Several pieces of the file reader's buffer, labels and properties across
+  // their joins, and a last line without its line end.
+  std::mt19937_64 random(31);
+  TTrack track = test::SampleTrack(random, 20000);
+  TNativeOptions options = Utf8();
+  std::string bytes = Written(track, options);
+  ASSERT_GT(bytes.size(), 3u << 20) << "the reader takes files in pieces of 1 MiB";
+  bytes.resize(bytes.size() - 2);
+  const auto path = test::ScratchDir("trk-pieces") / "pieces.trk";
+  std::string error;
+  ASSERT_TRUE(WriteFileAtomic(path.string(), bytes, error));
+  TTrack fromBytes, fromFile;
+  ASSERT_TRUE(ReadTrk(bytes, options, fromBytes, error)) << error;
+  TProgress progress;
+  options.progress = &progress;
+  ASSERT_TRUE(ReadTrkFile(path.string(), options, fromFile, error)) << error;
+  EXPECT_EQ(progress.Steps(), static_cast<int64_t>(bytes.size()));
+  EXPECT_EQ(fromFile.ZLinePosition(), fromBytes.ZLinePosition());
+  ASSERT_EQ(fromFile.Count(), track.Count());
+  EXPECT_EQ(fromFile.PointLabelCount(), fromBytes.PointLabelCount());
+  EXPECT_EQ(fromFile.PointPropertiesCount(), fromBytes.PointPropertiesCount());
+  EXPECT_EQ(Written(fromFile, Utf8()), Written(fromBytes, Utf8()));
+}
+
 TEST(TrkFile, AppendsInPlace) {
   const auto dir = test::ScratchDir("trk-append");
   const std::string path = (dir / "TrackMovingMap-20240605.trk").string();

@@ -77,6 +77,7 @@ TEST(WptFile, EdgeCasesOfTheWaypointLine) {
       {"", -1000, "______", "-9999.000000", "      ", false},
       {"Long name", -20000, "Long_name", "-9999.000000", "Long name", false},
       {"a,b%c\r\n", 0, "abc___", "0.000000", "abc   ", true},
+      {"a\tb", 0, "a_b___", "0.000000", "a b   ", true},
   };
   for (const Case& c : cases) {
     TWaypoints list;
