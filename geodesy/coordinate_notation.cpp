@@ -101,6 +101,33 @@ bool ReadDegreesMinutesSeconds(std::string_view text, double& value) {
   return true;
 }
 
+// A printed angle, built in place: whole numbers of at least width digits
+// (leading zeros, as "%0*lld"), texts and characters.
+class TAngleText {
+public:
+  TAngleText& Number(long long value, int width = 1) {
+    char digits[24];
+    const char* end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+    for (auto length = end - digits; length < width; ++length) m_text[m_size++] = '0';
+    for (const char* d = digits; d != end; ++d) m_text[m_size++] = *d;
+    return *this;
+  }
+  TAngleText& Text(std::string_view text) {
+    for (const char c : text) m_text[m_size++] = c;
+    return *this;
+  }
+  TAngleText& Char(char c) {
+    m_text[m_size++] = c;
+    return *this;
+  }
+  const char* Data() const { return m_text.data(); }
+  size_t Size() const { return m_size; }
+
+private:
+  std::array<char, 64> m_text{};
+  size_t m_size = 0;
+};
+
 bool FormatAngle(double degrees, bool latitude, int notation, std::string& text,
                  std::string& message) {
   if (!IsValidNotation(notation)) {
@@ -115,46 +142,72 @@ bool FormatAngle(double degrees, bool latitude, int notation, std::string& text,
     return false;
   }
   const double magnitude = std::fabs(degrees);
-  const char* sign = kDegreeSign.data();  // a literal, so zero-terminated
-  char buffer[64];
   long long units = 0;
-  int length = 0;
   // The letter is chosen after rounding, so a value that prints as zero is N/E.
   const auto letter = [&] {
     if (units == 0 || degrees > 0) return latitude ? 'N' : 'E';
     return latitude ? 'S' : 'W';
   };
+  // Written digit by digit rather than through printf: a track file prints
+  // two of these per point, a million times over.
+  TAngleText out;
   switch (notation) {
     case kNotationDecimalDegrees:
       units = std::llround(magnitude * kMicroUnitsPerUnit);
-      length = std::snprintf(buffer, sizeof buffer, "%lld.%06lld%s%c", units / kMicroUnitsPerUnit,
-                             units % kMicroUnitsPerUnit, sign, letter());
+      out.Number(units / kMicroUnitsPerUnit).Char('.').Number(units % kMicroUnitsPerUnit, 6).Text(kDegreeSign);
       break;
     case kNotationDegreesMinutes: {
       units = std::llround(magnitude * kMilliMinutesPerDegree);
       const long long minutes = units % kMilliMinutesPerDegree;
-      length = std::snprintf(buffer, sizeof buffer, "%lld%s%02lld.%03lld'%c",
-                             units / kMilliMinutesPerDegree, sign, minutes / kMilliMinutesPerMinute,
-                             minutes % kMilliMinutesPerMinute, letter());
+      out.Number(units / kMilliMinutesPerDegree).Text(kDegreeSign).Number(minutes / kMilliMinutesPerMinute, 2);
+      out.Char('.').Number(minutes % kMilliMinutesPerMinute, 3).Char('\'');
       break;
     }
     case kNotationDegreesMinutesSeconds: {
       units = std::llround(magnitude * kDeciSecondsPerDegree);
       const long long inDegree = units % kDeciSecondsPerDegree;
       const long long seconds = inDegree % kDeciSecondsPerMinute;
-      length =
-          std::snprintf(buffer, sizeof buffer, "%lld%s%02lld'%02lld.%lld\"%c",
-                        units / kDeciSecondsPerDegree, sign, inDegree / kDeciSecondsPerMinute,
-                        seconds / kDeciSecondsPerSecond, seconds % kDeciSecondsPerSecond, letter());
+      out.Number(units / kDeciSecondsPerDegree).Text(kDegreeSign).Number(inDegree / kDeciSecondsPerMinute, 2);
+      out.Char('\'').Number(seconds / kDeciSecondsPerSecond, 2).Char('.').Number(seconds % kDeciSecondsPerSecond);
+      out.Char('"');
       break;
     }
     case kNotationGrads:
       units = std::llround(magnitude / kDegreesPerGrad * kMicroUnitsPerUnit);
-      length = std::snprintf(buffer, sizeof buffer, "%lld.%06lldGR%c", units / kMicroUnitsPerUnit,
-                             units % kMicroUnitsPerUnit, letter());
+      out.Number(units / kMicroUnitsPerUnit).Char('.').Number(units % kMicroUnitsPerUnit, 6).Text("GR");
       break;
   }
-  text.assign(buffer, static_cast<size_t>(length));
+  out.Char(letter());
+  text.assign(out.Data(), out.Size());
+  return true;
+}
+
+// The form the native files print in notation 0, "41.391667ºN" (digits and
+// a point, the degree sign in UTF-8 or as the legacy byte, one hemisphere
+// letter), read without the general steps below, whose result it is: the
+// only letter is the last, and removing it and the sign leaves the number.
+// false, leaving the outputs, for any other form, a text too long to be a
+// coordinate or an unreadable number.
+bool ParsePrintedDecimal(std::string_view text, double& degrees, bool& isLatitude) {
+  if (text.size() < 3 || text.size() - 1 > kMaxNotationText) return false;
+  const char letter = Upper(text.back());
+  if (!IsHemisphereLetter(letter)) return false;
+  text.remove_suffix(1);
+  if (text.size() >= 2 && static_cast<unsigned char>(text[text.size() - 2]) == kUtf8Lead &&
+      static_cast<unsigned char>(text.back()) == kOrdinalByte) {
+    text.remove_suffix(2);
+  } else if (static_cast<unsigned char>(text.back()) == kOrdinalByte) {
+    text.remove_suffix(1);
+  } else {
+    return false;
+  }
+  if (text.empty()) return false;
+  for (const char c : text)
+    if ((c < '0' || c > '9') && c != '.') return false;
+  double value = 0;
+  if (!ReadNumber(text, value)) return false;
+  degrees = letter == 'S' || letter == 'W' ? -value : value;
+  isLatitude = letter == 'N' || letter == 'S';
   return true;
 }
 
@@ -183,6 +236,7 @@ std::string HemisphereChoiceLabel(char letter, std::string_view text) {
 
 bool ParseLatLon(std::string_view text, double& degrees, bool& isLatitude, std::string& message) {
   text = Trim(text);
+  if (ParsePrintedDecimal(text, degrees, isLatitude)) return true;
   bool north = false, south = false, east = false, west = false, grads = false;
   for (size_t i = 0; i < text.size(); ++i) {
     switch (Upper(text[i])) {

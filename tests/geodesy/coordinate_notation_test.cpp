@@ -77,6 +77,10 @@ TEST(CoordinateNotation, RefusalsKeepTheOutputsAndSayWhy) {
       {"GRN", "'' is not a valid floating point value"},
       {std::string(200, '1') + "N",
        "'" + std::string(200, '1') + "N' is not a valid floating point value"},
+      // The printed form too is no coordinate beyond kMaxNotationText bytes.
+      {std::string(kMaxNotationText, '1') + "\xC2\xBAN",
+       "'" + std::string(kMaxNotationText, '1') + "\xC2\xBAN' is not a valid floating point value"},
+      {"1..5\xC2\xBAN", "'1..5\xC2\xBA' is not a valid floating point value"},
   };
   for (const auto& [text, expected] : cases) {
     double degrees = 7;
