@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "formats/magellan_route_file.h"
 #include "formats/native_text.h"
 #include "formats/ozi_waypoint_file.h"
 #include "formats/waypoint_record.h"
@@ -101,6 +102,7 @@ bool ReadRteFile(const std::string& path, const TNativeOptions& options, TRuta& 
 
 bool ReadRte(std::string_view bytes, const TNativeOptions& options, TRuta& route, std::string& error) {
   if (IsOziRouteFile(bytes)) return ReadOziRoute(bytes, options, route, error);
+  if (IsMagellanRouteFile(bytes)) return ReadMagellanRoute(bytes, options, route, error);
   TRuta read;
   TNativeReader reader(options);
   TRteReadState state{read};

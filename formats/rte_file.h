@@ -11,7 +11,8 @@
 // line always names WGS 84; a file from elsewhere naming another datum is
 // shifted on reading. The route's name is the file's: on reading, the name
 // on the "R" line. The RTE entry also reads OziExplorer route files
-// (ozi_waypoint_file.h).
+// (ozi_waypoint_file.h) and Magellan "$PMG" route files
+// (magellan_route_file.h), both marked as not to be saved back as RTE.
 #pragma once
 
 #include <string>
