@@ -4,7 +4,7 @@
 set -euo pipefail
 
 packages=(
-  build-essential cmake ninja-build pkg-config clang
+  build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
   zlib1g-dev libminizip-dev libfreetype-dev libpugixml-dev libgeographiclib-dev
   libssl-dev libusb-1.0-0-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
