@@ -30,5 +30,6 @@ echo "== a waypoint file and a track file"
 echo "== the track written in European 1950, degrees and minutes (first lines)"
 out="$(mktemp -d)"
 "$velantis" convert data/examples/vallferrera.trk "$out/vallferrera-ed50.trk" --datum "European 1950" --notation 1
-sed -n 1,14p "$out/vallferrera-ed50.trk"
+# The file is in the configured legacy code page: shown here in UTF-8.
+sed -n 1,14p "$out/vallferrera-ed50.trk" | iconv -f WINDOWS-1252 -t UTF-8
 rm -rf "$out"
