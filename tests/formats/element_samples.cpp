@@ -1,5 +1,6 @@
 #include "tests/formats/element_samples.h"
 
+#include "app/file_io.h"
 #include "tests/support/testdata.h"
 
 namespace velantis::test {
@@ -27,6 +28,18 @@ std::string SampleText(std::mt19937_64& random, bool nonAscii) {
 }
 
 }  // namespace
+
+std::string FileBytes(const std::filesystem::path& path) {
+  std::string bytes, error;
+  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
+  return bytes;
+}
+
+TNativeOptions Utf8Options() {
+  TNativeOptions options;
+  options.codePage = "UTF-8";
+  return options;
+}
 
 bool LoadBuiltInDatums(TListaDatums& datums) {
   std::string error;

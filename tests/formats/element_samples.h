@@ -2,15 +2,34 @@
 // built datum list, for the round trips of the file formats.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <filesystem>
 #include <random>
 #include <string>
 
 #include "core/ruta.h"
 #include "core/track.h"
 #include "core/waypoints.h"
+#include "formats/native_file.h"
 #include "geodesy/lista_datums.h"
+#include "tests/support/testdata.h"
 
 namespace velantis::test {
+
+// The bytes of a file (a failed read fails the test).
+std::string FileBytes(const std::filesystem::path& path);
+// The options with UTF-8 texts, so that tests can spell the bytes.
+TNativeOptions Utf8Options();
+// What write (a native writer) puts in a scratch file named fileName.
+template <typename TElement, typename TWrite>
+std::string WrittenBytes(TElement& element, const TNativeOptions& options, const std::string& fileName,
+                         TWrite write) {
+  const auto path = ScratchDir("written") / fileName;
+  std::string error;
+  EXPECT_TRUE(write(path.string(), element, options, error)) << error;
+  return FileBytes(path);
+}
 
 // The built-in datums of the build tree's data folder; false when the build
 // has not made them.

@@ -9,6 +9,7 @@
 #include "app/file_io.h"
 #include "geodesy/lista_datums.h"
 #include "tests/support/proj_sweep.h"
+#include "tests/formats/element_samples.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -16,12 +17,6 @@ namespace {
 
 constexpr double kDegreeTolerance = 1e-6;
 constexpr double kOneSecondInDays = 1 / kSecondsPerDay;
-
-std::string Bytes(const std::filesystem::path& path) {
-  std::string bytes, error;
-  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
-  return bytes;
-}
 
 std::string WaypointFile(std::string_view records, std::string_view datum = "WGS 84") {
   return "OziExplorer Waypoint File Version 1.1\r\n" + std::string(datum) + "\r\nReserved 2\r\ngarmin\r\n" +
@@ -95,7 +90,7 @@ TEST(OziWaypoints, Samples) {
   };
   for (const Sample& sample : samples) {
     VELANTIS_TESTDATA_OR_SKIP(path, sample.file);
-    const TWaypoints list = ReadWaypoints(Bytes(path));
+    const TWaypoints list = ReadWaypoints(test::FileBytes(path));
     ASSERT_EQ(list.Count(), sample.count) << sample.file;
     EXPECT_TRUE(list.FromOziExplorer());
     EXPECT_FALSE(list.Modified());
@@ -240,7 +235,7 @@ TEST(OziRoute, FirstRouteAsGpsBabelDecodesIt) {
   };
   TRuta route;
   std::string error;
-  ASSERT_TRUE(ReadOziRoute(Bytes(path), {}, route, error)) << error;
+  ASSERT_TRUE(ReadOziRoute(test::FileBytes(path), {}, route, error)) << error;
   EXPECT_EQ(route.Name(), "1 COSTANERO JA");
   EXPECT_EQ(route.Description(), "");
   EXPECT_TRUE(route.FromOziExplorer());

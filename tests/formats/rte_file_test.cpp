@@ -12,11 +12,7 @@ namespace velantis {
 namespace {
 
 std::string WrittenAs(const TRuta& route, const TNativeOptions& options, const std::string& fileName) {
-  const auto path = test::ScratchDir("rte-written") / fileName;
-  std::string error, bytes;
-  EXPECT_TRUE(WriteRteFile(path.string(), route, options, error)) << error;
-  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
-  return bytes;
+  return test::WrittenBytes(route, options, fileName, WriteRteFile);
 }
 
 TEST(RteFile, WritesTheDocumentedLines) {

@@ -12,23 +12,10 @@
 namespace velantis {
 namespace {
 
-std::string ReadAll(const std::filesystem::path& path) {
-  std::string bytes, error;
-  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
-  return bytes;
-}
+const auto Utf8 = test::Utf8Options;
 
 std::string Written(TTrack& track, const TNativeOptions& options) {
-  const auto path = test::ScratchDir("trk-written") / "track.trk";
-  std::string error;
-  EXPECT_TRUE(WriteTrkFile(path.string(), track, options, error)) << error;
-  return ReadAll(path);
-}
-
-TNativeOptions Utf8() {
-  TNativeOptions options;
-  options.codePage = "UTF-8";
-  return options;
+  return test::WrittenBytes(track, options, "track.trk", WriteTrkFile);
 }
 
 TEST(TrkFile, WritesTheDocumentedLines) {
@@ -189,7 +176,7 @@ TEST(TrkFile, AppendsInPlace) {
   }
   // The file now reads as the whole track, and differs from a fresh save of
   // it only in the point count of the "E" line, which appends leave alone.
-  std::string appended = ReadAll(path);
+  std::string appended = test::FileBytes(path);
   TTrack back;
   ASSERT_TRUE(ReadTrk(appended, options, back, error)) << error;
   EXPECT_EQ(back.Count(), full.Count());
@@ -200,7 +187,7 @@ TEST(TrkFile, AppendsInPlace) {
 
   TTrack unsaved;
   EXPECT_FALSE(AppendTrkPoints(path, unsaved, 0, options, error));
-  std::string damaged = ReadAll(path);
+  std::string damaged = test::FileBytes(path);
   damaged.replace(static_cast<size_t>(back.ZLinePosition()), 3, "xyz");
   ASSERT_TRUE(WriteFileAtomic(path, damaged, error));
   EXPECT_FALSE(AppendTrkPoints(path, back, back.Count(), options, error));
@@ -214,7 +201,7 @@ TEST(TrkFile, RefusalsKeepTheOldFile) {
   TTrack track = test::SampleTrack(random, 200);
   std::string error;
   ASSERT_TRUE(WriteTrkFile(path, track, Utf8(), error));
-  const std::string before = ReadAll(path);
+  const std::string before = test::FileBytes(path);
   const int64_t position = track.ZLinePosition();
 
   TTrack other = test::SampleTrack(random, 10);
@@ -228,7 +215,7 @@ TEST(TrkFile, RefusalsKeepTheOldFile) {
   EXPECT_FALSE(WriteTrkFile(path, track, options, error));
   EXPECT_EQ(error, kCancelledError);
   EXPECT_EQ(track.ZLinePosition(), position) << "a failed save keeps the file's offsets";
-  EXPECT_EQ(ReadAll(path), before);
+  EXPECT_EQ(test::FileBytes(path), before);
 
   TTrack read;
   read.Anyade_Punto_Temps(1, 1, 1, TDateTime());

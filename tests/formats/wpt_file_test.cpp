@@ -16,23 +16,10 @@
 namespace velantis {
 namespace {
 
-std::string ReadAll(const std::filesystem::path& path) {
-  std::string bytes, error;
-  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
-  return bytes;
-}
+using test::Utf8Options;
 
 std::string Written(const TWaypoints& list, const TNativeOptions& options) {
-  const auto path = test::ScratchDir("wpt-written") / "list.wpt";
-  std::string error;
-  EXPECT_TRUE(WriteWptFile(path.string(), list, options, error)) << error;
-  return ReadAll(path);
-}
-
-TNativeOptions Utf8Options() {
-  TNativeOptions options;
-  options.codePage = "UTF-8";
-  return options;
+  return test::WrittenBytes(list, options, "list.wpt", WriteWptFile);
 }
 
 TEST(WptFile, WritesTheDocumentedLines) {
@@ -238,7 +225,7 @@ TEST(WptFile, FailedAndCancelledSavesLeaveTheOldFile) {
   const TWaypoints list = test::SampleWaypoints(random, 50, options.defaults);
   std::string error;
   ASSERT_TRUE(WriteWptFile(path, list, options, error)) << error;
-  const std::string before = ReadAll(path);
+  const std::string before = test::FileBytes(path);
 
   TWaypoints other = test::SampleWaypoints(random, 50, options.defaults);
   TProgress progress;
@@ -253,7 +240,7 @@ TEST(WptFile, FailedAndCancelledSavesLeaveTheOldFile) {
   other.SetSaveProhibited(false);
   other.Baliza(3).SetPosition(95, 0);  // no notation prints a latitude beyond the pole
   EXPECT_FALSE(WriteWptFile(path, other, options, error));
-  EXPECT_EQ(ReadAll(path), before);
+  EXPECT_EQ(test::FileBytes(path), before);
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), std::filesystem::directory_iterator()), 1)
       << "no temporary file is left behind";
 }
