@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 
+#include "app/decimal_text.h"
 #include "app/file_io.h"
 #include "geodesy/coordinate_notation.h"
 #include "geodesy/projection_file_lines.h"
@@ -55,10 +56,6 @@ constexpr uint32_t kOlderFormRequired = kFieldVersion | kFieldProjection | kFiel
 constexpr int kDefinitionVersion = 1;
 constexpr std::string_view kLineEnd = "\r\n";
 constexpr std::string_view kFeet = "FEET";
-// Numbers in this range print in fixed notation ("10000000", "0.9996");
-// others in the shortest scientific form.
-constexpr double kFixedNotationMin = 1e-5;
-constexpr double kFixedNotationMax = 1e15;
 
 const TKeyInfo* FindKey(std::string_view key) {
   for (const TKeyInfo& info : kKeys) {
@@ -111,17 +108,6 @@ void Append(std::string& list, std::string_view entry) {
 bool HasTextLines(std::string_view text) {
   if (text.find('\0') != std::string_view::npos) return false;
   return text.find_first_not_of(" \t\r\n") != std::string_view::npos;
-}
-
-std::string FormatNumber(double value) {
-  char buffer[64];
-  const double magnitude = std::fabs(value);
-  const bool fixed =
-      magnitude == 0 || (magnitude >= kFixedNotationMin && magnitude < kFixedNotationMax);
-  const auto [end, ec] =
-      fixed ? std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed)
-            : std::to_chars(buffer, buffer + sizeof buffer, value);
-  return std::string(buffer, ec == std::errc() ? end : buffer);
 }
 
 bool WritableText(std::string_view key, std::string_view value, std::string& error) {
@@ -279,7 +265,7 @@ bool ProjectionText(const TDatosProyeccion& definition, const TListaDatums* datu
       }
       case TValueKind::Angle:
       case TValueKind::Number:
-        if (definition.Has(info.bit)) line(info.key, FormatNumber(definition.*(info.number)));
+        if (definition.Has(info.bit)) line(info.key, ShortestDecimal(definition.*(info.number)));
         break;
       case TValueKind::Datum: {
         if (definition.preferredDatum < 0) break;
