@@ -19,6 +19,7 @@ namespace velantis {
 struct TPlanePoint {
   double x = 0;
   double y = 0;
+  bool operator==(const TPlanePoint&) const = default;
 };
 
 // The parameters a catalogue projection may take, in degrees and metres.
@@ -31,6 +32,7 @@ struct TProjectionParams {
   double falseNorthing = 0;
   double lat1 = 0;  // first standard parallel
   double lat2 = 0;  // second standard parallel
+  bool operator==(const TProjectionParams&) const = default;
 };
 
 class TProjection {

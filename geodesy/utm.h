@@ -29,6 +29,7 @@ namespace velantis {
 struct TZonaUTM {
   int8_t zone = 31;  // 1..60
   char band = 'T';   // "A".."M" southern
+  bool operator==(const TZonaUTM&) const = default;
 };
 
 struct TUtmPosition {

@@ -29,21 +29,10 @@ std::string SampleText(std::mt19937_64& random, bool nonAscii) {
 
 }  // namespace
 
-std::string FileBytes(const std::filesystem::path& path) {
-  std::string bytes, error;
-  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
-  return bytes;
-}
-
 TNativeOptions Utf8Options() {
   TNativeOptions options;
   options.codePage = "UTF-8";
   return options;
-}
-
-bool LoadBuiltInDatums(TListaDatums& datums) {
-  std::string error;
-  return datums.Load((BinaryDir() / "data").string(), ScratchDir("datums-user").string(), error);
 }
 
 TBaliza SampleWaypoint(std::mt19937_64& random, const TBalizaDefaults& defaults, bool nonAscii) {

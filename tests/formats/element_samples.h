@@ -17,8 +17,6 @@
 
 namespace velantis::test {
 
-// The bytes of a file (a failed read fails the test).
-std::string FileBytes(const std::filesystem::path& path);
 // The options with UTF-8 texts, so that tests can spell the bytes.
 TNativeOptions Utf8Options();
 // What write (a native writer) puts in a scratch file named fileName.
@@ -30,10 +28,6 @@ std::string WrittenBytes(TElement& element, const TNativeOptions& options, const
   EXPECT_TRUE(write(path.string(), element, options, error)) << error;
   return FileBytes(path);
 }
-
-// The built-in datums of the build tree's data folder; false when the build
-// has not made them.
-bool LoadBuiltInDatums(TListaDatums& datums);
 
 // A waypoint with every field away from its default (times to whole
 // seconds, compact reals that print exactly, names and texts without the

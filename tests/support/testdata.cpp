@@ -1,8 +1,12 @@
 #include "tests/support/testdata.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 
 #include <unistd.h>
+
+#include "app/file_io.h"
 
 namespace velantis::test {
 
@@ -20,6 +24,17 @@ std::filesystem::path ScratchDir(const std::string& name) {
   std::filesystem::remove_all(dir);
   std::filesystem::create_directories(dir);
   return dir;
+}
+
+std::string FileBytes(const std::filesystem::path& path) {
+  std::string bytes, error;
+  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
+  return bytes;
+}
+
+bool LoadBuiltInDatums(TListaDatums& datums) {
+  std::string error;
+  return datums.Load((BinaryDir() / "data").string(), ScratchDir("datums-user").string(), error);
 }
 
 }  // namespace velantis::test

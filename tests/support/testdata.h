@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <string>
 
+#include "geodesy/lista_datums.h"
+
 namespace velantis::test {
 
 // The third-party test data folder: $VELANTIS_TESTDATA, else ../shared/testdata
@@ -22,5 +24,12 @@ std::filesystem::path BinaryDir();
 
 // A fresh empty folder for one test, removed and made again on each call.
 std::filesystem::path ScratchDir(const std::string& name);
+
+// The bytes of a file (a failed read fails the test).
+std::string FileBytes(const std::filesystem::path& path);
+
+// The built-in datums of the build tree's data folder; false when the build
+// has not made them.
+bool LoadBuiltInDatums(TListaDatums& datums);
 
 }  // namespace velantis::test
