@@ -33,5 +33,6 @@ void AddFormatCommand(CLI::App& app, const TGlobalOptions& options, int& exitCod
 void AddParseCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddInfoCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddConvertCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddCalibCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

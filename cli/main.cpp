@@ -21,6 +21,7 @@ int main(int argc, char** argv) {
   AddParseCommand(app, options, exitCode);
   AddInfoCommand(app, options, exitCode);
   AddConvertCommand(app, options, exitCode);
+  AddCalibCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
