@@ -105,7 +105,9 @@ bool ParseUtmZone(std::string_view text, TZonaUTM& zone, std::string& message) {
 }
 
 std::string FormatUtmZone(const TZonaUTM& zone) {
-  return std::to_string(static_cast<int>(zone.zone)) + zone.band;
+  // Two digits: a zone text gives its zone from its first two characters.
+  const int number = zone.zone;
+  return std::string(number >= 0 && number < 10 ? "0" : "") + std::to_string(number) + zone.band;
 }
 
 bool LatLonToUtm(const TLonLat& geo, int fromDatum, int toDatum, TListaDatums& datums,

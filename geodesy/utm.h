@@ -77,7 +77,7 @@ bool CheckUtmZone(const TZonaUTM& zone, std::string& message);
 // leading blank is allowed), the band from the third, else "T". False with
 // kUtmZoneError when the first two characters are not a number.
 bool ParseUtmZone(std::string_view text, TZonaUTM& zone, std::string& message);
-// "31T", "5M".
+// "31T", "05M": two digits, so that the text reads back.
 std::string FormatUtmZone(const TZonaUTM& zone);
 
 // Latitude/longitude on fromDatum to UTM on toDatum: shifted first when the

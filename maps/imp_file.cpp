@@ -1,7 +1,7 @@
 #include "maps/imp_file.h"
 
 #include <array>
-#include <cstdio>
+#include <charconv>
 #include <filesystem>
 
 #include "app/decimal_text.h"
@@ -345,10 +345,14 @@ private:
 
 // --- writing ---------------------------------------------------------------
 
+// Reals with eight decimals, as printf's "%.8f" prints them; the buffer holds
+// the largest double's 309 digits.
 std::string Fixed8(double value) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.8f", value);
-  return text;
+  constexpr int kDecimals = 8;
+  char text[400];
+  const auto [end, ec] =
+      std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, kDecimals);
+  return std::string(text, ec == std::errc() ? end : text);
 }
 
 class TImpWriter {

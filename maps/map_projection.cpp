@@ -44,7 +44,10 @@ bool ReadFullForm(const std::vector<std::string_view>& fields, TMapProjection& p
     if (given == 1) {
       TZonaUTM zone;
       std::string message;
-      if (fields[2].size() < 2 || !ParseUtmZone(fields[2], zone, message)) return false;
+      // A zone and a band letter, so that the zone writes back as it read.
+      if (fields[2].size() < 2 || fields[2].size() > 3 || !ParseUtmZone(fields[2], zone, message) ||
+          !CheckUtmZone(zone, message))
+        return false;
       read.zone = zone;
     }
   } else {
@@ -69,7 +72,9 @@ bool ParseMapProjection(std::string_view value, TMapProjection& projection, std:
   std::string_view name = comma == std::string_view::npos ? "" : value.substr(comma + 1);
   while (!name.empty() && (name.back() == ',' || name.back() == ' ')) name.remove_suffix(1);
   name = TrimBlanks(name);
-  if (name.empty()) {
+  // A name with a comma left in it is a value of the full form that did not
+  // read, not a name.
+  if (name.empty() || name.find(',') != std::string_view::npos) {
     error = "Unknown projection: " + std::string(value);
     return false;
   }

@@ -11,8 +11,9 @@
 // are those of the projection's captions in the catalogue, in the
 // catalogue's order (geodesy/projection_catalogue.h); a fixed grid takes
 // none. When the value does not read this way, the text after the first comma
-// is taken as a projection name: a catalogue name, or a name of the data
-// folder's "project.dat".
+// (without the commas that end it) is taken as a projection name: a catalogue
+// name, or a name of the data folder's "project.dat"; a text that still holds
+// a comma is no name.
 #pragma once
 
 #include <memory>

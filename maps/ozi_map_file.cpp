@@ -201,11 +201,6 @@ void ReadKeyedLine(std::string_view line, TKeyedLines& keyed) {
   }
 }
 
-std::string UtmZoneText(const TZonaUTM& zone) {
-  return {static_cast<char>('0' + zone.zone / 10), static_cast<char>('0' + zone.zone % 10),
-          zone.band};
-}
-
 TCalibrationPoint CalibrationPoint(const TPointLine& line, const TPlanePoint& coordinates) {
   TCalibrationPoint point;
   point.pixelX = line.pixel.x;
@@ -229,7 +224,7 @@ void TakePoints(const std::vector<TPointLine>& lines, TMapCalibration& map) {
   for (const TPointLine& line : lines) {
     if (allGeo ? !line.geo : !hasGrid(line)) continue;
     TCalibrationPoint point = CalibrationPoint(line, allGeo ? *line.geo : *line.grid);
-    if (map.coordinates == TCoordinateMode::Utm) point.zone = UtmZoneText(*line.zone);
+    if (map.coordinates == TCoordinateMode::Utm) point.zone = FormatUtmZone(*line.zone);
     if (utm && line.zone && !map.projection.zone) map.projection.zone = *line.zone;
     map.points.push_back(std::move(point));
   }

@@ -107,7 +107,7 @@ TEST(Utm, ZoneTextAndZoneCheck) {
     }
   }
   EXPECT_EQ(FormatUtmZone({31, 'T'}), "31T");
-  EXPECT_EQ(FormatUtmZone({5, 'M'}), "5M");
+  EXPECT_EQ(FormatUtmZone({5, 'M'}), "05M");
 
   // Only the band letter is checked, though the message speaks of the number.
   const std::pair<TZonaUTM, bool> checkRows[] = {

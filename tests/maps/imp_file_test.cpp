@@ -64,7 +64,9 @@ TMapCalibration FullCalibration() {
                 {37, 4499, "37U", 7312045.53037848, 6194187.63482614}};
   map.offset = TPlanePoint{12.5, -3};
   map.matrix = std::array<double, 6>{4.2, 0.001, -0.002, -4.2, 7312500.25, 6213000.5};
-  map.polygonBitmap = {{0, 0}, {3808, 0}, {3808, 4549}, {0, 4549}};
+  // The last corner is far beyond any image: eight decimals of a huge real
+  // still read back.
+  map.polygonBitmap = {{0, 0}, {3808, 0}, {3808, 4549}, {1e300, -4549}};
   map.polygonCoords = {{36, 56}, {36.25, 56}, {36.25, 55.833333}};
   map.bitmapData = std::vector<std::string>{"Format=PNG", "  Tiles=4"};
   map.properties = {"Colour=red", "Alpha=0.5"};

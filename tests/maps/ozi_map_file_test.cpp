@@ -12,6 +12,7 @@
 
 #include "app/file_io.h"
 #include "geodesy/projection_catalogue.h"
+#include "maps/imp_file.h"
 #include "maps/ozi_projection.h"
 #include "tests/support/testdata.h"
 
@@ -209,6 +210,21 @@ TEST_F(OziMapFile, EverySampleRoundTripsExactly) {
     const TMapCalibration back = Read(text);
     EXPECT_TRUE(back == map) << text;
     EXPECT_EQ(Write(back), text);
+    // Through the system's own file, whose eight decimals keep a degree to
+    // half of 1e-8 and a pixel or a metre exactly enough: the same
+    // calibration but for that rounding.
+    TMapCalibration viaImp;
+    std::string error;
+    ASSERT_TRUE(ReadImpText(ImpText(map), ".", s_datums, viaImp, error)) << error;
+    ASSERT_EQ(viaImp.points.size(), map.points.size());
+    for (size_t i = 0; i < map.points.size(); ++i) {
+      EXPECT_NEAR(viaImp.points[i].x, map.points[i].x, 5e-9);
+      EXPECT_NEAR(viaImp.points[i].y, map.points[i].y, 5e-9);
+      viaImp.points[i].x = map.points[i].x;
+      viaImp.points[i].y = map.points[i].y;
+    }
+    EXPECT_TRUE(viaImp == map);
+    EXPECT_EQ(Write(viaImp), text);
     ++files;
   }
   EXPECT_GE(files, 12u);
