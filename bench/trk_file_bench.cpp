@@ -31,6 +31,7 @@
 #include <random>
 #include <string>
 
+#include "bench/bench_run.h"
 #include "bench/random_walk.h"
 #include "core/track.h"
 #include "formats/trk_file.h"
@@ -257,10 +258,7 @@ BENCHMARK(BM_GpsBabelGpxToGpx)->Unit(benchmark::kMillisecond)->UseManualTime()->
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
+  if (!velantis::bench::RunBenchmarks(argc, argv)) return 1;
   const auto& bytes = BytesPerSecond();
   const auto& points = PointsPerSecond();
   for (const char* ours : {"write", "read"}) {

@@ -22,8 +22,7 @@
 #include <string>
 #include <vector>
 
-#include <time.h>
-
+#include "bench/bench_run.h"
 #include "geodesy/transverse_mercator.h"
 #include "geodesy/utm.h"
 
@@ -78,21 +77,15 @@ std::map<std::string, TResults>& Results() {
   return results;
 }
 
-double ThreadCpuSeconds() {
-  timespec now{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
 // Times the loop body itself in CPU time of this thread, so that the ratios
 // printed at the end compare like with like on a machine busy with other work.
 template <class TBody>
 void Measure(benchmark::State& state, const std::string& name, TBody body) {
   double total = 0;
   for (auto _ : state) {
-    const double start = ThreadCpuSeconds();
+    const double start = velantis::bench::ThreadCpuSeconds();
     body();
-    total += ThreadCpuSeconds() - start;
+    total += velantis::bench::ThreadCpuSeconds() - start;
   }
   SecondsPerRun()[name] = total / static_cast<double>(state.iterations());
   state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * kPoints));
@@ -213,10 +206,7 @@ BENCHMARK(BM_Utm_VelantisZoneProjection)->Unit(benchmark::kMillisecond);
 }  // namespace
 
 int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
+  if (!velantis::bench::RunBenchmarks(argc, argv)) return 1;
   const auto& seconds = SecondsPerRun();
   for (const char* ours : {"velantis", "velantis_tm"}) {
     for (const char* theirs : {"proj", "proj_approx"}) {

@@ -1,11 +1,14 @@
-// velantis info FILE [--json]: what a data file holds.
+// velantis info FILE [--json]: what a data or calibration file holds.
 #include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "cli/command.h"
+#include "cli/map_info.h"
 #include "cli/terminal_progress.h"
 #include "cli/text_output.h"
 #include "formats/element_summary.h"
+#include "formats/file_dispatch.h"
+#include "maps/map_file.h"
 
 namespace velantis::cli {
 
@@ -55,6 +58,9 @@ void PrintJson(const TElementSummary& s, const TNativeHeader& header) {
 int Run(const TInfoOptions& options, const TGlobalOptions& global) {
   TRuntime runtime;
   if (!StartRuntime(global, runtime)) return kExitRefused;
+  if (IsCalibrationExtension(FileExtension(options.file))) {
+    return PrintMapInfo(options.file, options.json, runtime);
+  }
   TNativeOptions read = TNativeOptions::FromConfig(runtime.config, runtime.datums);
   TNativeHeader header;
   read.header = &header;
@@ -81,8 +87,8 @@ int Run(const TInfoOptions& options, const TGlobalOptions& global) {
 
 void AddInfoCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto options = std::make_shared<TInfoOptions>();
-  auto* command = app.add_subcommand("info", "what a data file holds");
-  command->add_option("file", options->file, "a waypoint (.wpt), route (.rte) or track (.trk) file")->required();
+  auto* command = app.add_subcommand("info", "what a data or map file holds");
+  command->add_option("file", options->file, "a waypoint (.wpt), route (.rte), track (.trk) or calibration (.imp, .map) file")->required();
   command->add_flag("--json", options->json, "machine output");
   command->callback([options, &global, &exitCode] { exitCode = Run(*options, global); });
 }

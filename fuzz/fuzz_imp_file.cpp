@@ -3,10 +3,10 @@
 // for in a folder that does not exist, so a <Layers> entry is refused unless
 // it names an absolute path.
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
+#include "fuzz/fuzz_failure.h"
 #include "geodesy/lista_datums.h"
 #include "maps/imp_file.h"
 
@@ -20,15 +20,11 @@ const velantis::TListaDatums& Datums() {
   return datums;
 }
 
-[[noreturn]] void Fail(const std::string& what, const std::string& text) {
-  std::fprintf(stderr, "%s\n--- written ---\n%s\n", what.c_str(), text.c_str());
-  __builtin_trap();
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace velantis;
+  using fuzz::Fail;
   const std::string_view input(reinterpret_cast<const char*>(data), size);
   TMapCalibration map;
   std::string error;

@@ -297,17 +297,20 @@ TDegreesMinutes SplitDegrees(double magnitude) {
 // empty line.
 struct TPointTexts {
   std::string pixelX, pixelY;
-  std::string latDegrees, latMinutes, latHemisphere = "N";
-  std::string lonDegrees, lonMinutes, lonHemisphere = "W";
-  std::string zone, easting, northing, gridHemisphere = "N";
+  std::string latDegrees, latMinutes;
+  char latHemisphere = 'N';
+  std::string lonDegrees, lonMinutes;
+  char lonHemisphere = 'W';
+  std::string zone, easting, northing;
+  char gridHemisphere = 'N';
 };
 
 void SetAngle(double angle, char positive, char negative, std::string& degrees,
-              std::string& minutes, std::string& hemisphere) {
+              std::string& minutes, char& hemisphere) {
   const TDegreesMinutes split = SplitDegrees(std::fabs(angle));
   degrees = FixedText(split.degrees);
   minutes = MinutesText(split.minutes);
-  hemisphere = std::string(1, angle < 0 ? negative : positive);
+  hemisphere = angle < 0 ? negative : positive;
 }
 
 std::string PointLine(size_t number, const TPointTexts& t) {
@@ -324,7 +327,7 @@ std::string PointLine(size_t number, const TPointTexts& t) {
 
 void SetZone(const TZonaUTM& zone, TPointTexts& texts) {
   texts.zone = std::to_string(static_cast<int>(zone.zone));
-  texts.gridHemisphere = IsSouthernBand(zone.band) ? "S" : "N";
+  texts.gridHemisphere = IsSouthernBand(zone.band) ? 'S' : 'N';
 }
 
 // A Utm point's zone text as the grid fields can say it.
@@ -338,7 +341,7 @@ TPointTexts PointTexts(const TMapCalibration& map, const TCalibrationPoint& poin
   TPointTexts texts;
   texts.pixelX = ShortestDecimal(point.pixelX);
   texts.pixelY = ShortestDecimal(point.pixelY);
-  texts.lonHemisphere = "E";
+  texts.lonHemisphere = 'E';
   if (map.coordinates == TCoordinateMode::LatLon) {
     SetAngle(point.y, 'N', 'S', texts.latDegrees, texts.latMinutes, texts.latHemisphere);
     SetAngle(point.x, 'E', 'W', texts.lonDegrees, texts.lonMinutes, texts.lonHemisphere);

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds Velantis and runs it on the bundled
-# example data: the datum list, then a few points shifted between datums.
+# example data: the datum list, points shifted between datums, the data files
+# and a calibrated map.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
@@ -33,3 +34,7 @@ out="$(mktemp -d)"
 # The file is in the configured legacy code page: shown here in UTF-8.
 sed -n 1,14p "$out/vallferrera-ed50.trk" | iconv -f WINDOWS-1252 -t UTF-8
 rm -rf "$out"
+echo "== an image map calibrated in UTM on European 1950: pixel -> WGS 84, and Pica d'Estats -> pixel"
+"$velantis" calib data/examples/vallferrera.imp --pixel 2000 1500
+"$velantis" calib data/examples/vallferrera.imp --coord 42.66639 1.39750
+printf '0 0\n4000 3000\n' | "$velantis" calib data/examples/vallferrera.imp --pixel --datum "European 1950"

@@ -46,6 +46,15 @@ TEST(CalibCommand, ConvertsOneValueOrEveryLineOfStdin) {
   }
 }
 
+TEST(CalibCommand, InfoTellsWhatTheCalibrationSays) {
+  const TRunResult run = RunVelantis({"info", WriteMap()});
+  EXPECT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(run.out,
+            "kind: map\nname: \ncount: 3\ndatum: WGS 84\nprojection: 1,Lat/Long,\n"
+            "image: square.png 1000x1000\n"
+            "bounds: 41.000000000 2.000000000 42.000000000 3.000000000\n");
+}
+
 TEST(CalibCommand, RefusalsAndBadUsage) {
   const std::string map = WriteMap();
   struct TCase {

@@ -145,17 +145,6 @@ TEST_F(OziMapFile, TitlesAndImageNamesKeepTheirBytes) {
   EXPECT_NE(map.name.find('\xD1'), std::string::npos);
 }
 
-TEST_F(OziMapFile, SouthernPointsAreNegative) {
-  VELANTIS_TESTDATA_OR_SKIP(path, fs::path(kSampleFolder) / "ozi2.map");
-  const TMapCalibration map = Read(Bytes(path));
-  ASSERT_EQ(map.points.size(), 4u);
-  EXPECT_NEAR(map.points[2].y, -Minutes(4, 0.055380), 1e-12);
-  EXPECT_NEAR(map.points[3].y, -Minutes(8, 0.057720), 1e-12);
-  EXPECT_GT(map.points[2].x, 0);
-  const std::vector<std::string> written = Lines(Write(map));
-  EXPECT_NE(written[11].find(",S,  59,"), std::string::npos) << written[11];
-}
-
 // The tile's corners follow from the web Mercator tile formulas.
 TEST_F(OziMapFile, TileCornersMatchTheTileFormulas) {
   VELANTIS_TESTDATA_OR_SKIP(path, fs::path(kSampleFolder) / "9410_4633_14.map");
