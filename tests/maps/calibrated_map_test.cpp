@@ -96,7 +96,7 @@ TEST_F(CalibratedMapTest, LatLonPointsAndOtherZonesMeetInTheMapsPlane) {
   std::string error;
   ASSERT_TRUE(reference.Open(utm, m_datums, "", error)) << error;
   // Zone 30's series, 5° from its meridian, is good to a couple of centimetres.
-  for (const auto [calibration, tolerance] : {std::pair{&latLon, 1e-8}, {&otherZone, 5e-7}}) {
+  for (const auto& [calibration, tolerance] : {std::pair{&latLon, 1e-8}, {&otherZone, 5e-7}}) {
     TCalibratedMap map;
     ASSERT_TRUE(map.Open(*calibration, m_datums, "", error)) << error;
     TLonLat expected;
