@@ -34,5 +34,6 @@ void AddParseCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode
 void AddInfoCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddConvertCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddCalibCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddNmeaCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

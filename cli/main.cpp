@@ -22,6 +22,7 @@ int main(int argc, char** argv) {
   AddInfoCommand(app, options, exitCode);
   AddConvertCommand(app, options, exitCode);
   AddCalibCommand(app, options, exitCode);
+  AddNmeaCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
