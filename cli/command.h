@@ -35,5 +35,6 @@ void AddInfoCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode)
 void AddConvertCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddCalibCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddNmeaCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddDetectCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

@@ -23,6 +23,7 @@ int main(int argc, char** argv) {
   AddConvertCommand(app, options, exitCode);
   AddCalibCommand(app, options, exitCode);
   AddNmeaCommand(app, options, exitCode);
+  AddDetectCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
