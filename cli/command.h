@@ -36,5 +36,6 @@ void AddConvertCommand(CLI::App& app, const TGlobalOptions& options, int& exitCo
 void AddCalibCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddNmeaCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddDetectCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddLiveCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

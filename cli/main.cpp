@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
   AddCalibCommand(app, options, exitCode);
   AddNmeaCommand(app, options, exitCode);
   AddDetectCommand(app, options, exitCode);
+  AddLiveCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {

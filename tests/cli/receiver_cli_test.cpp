@@ -2,11 +2,15 @@
 // simulated receiver behind it, and a TCP NMEA source that goes away.
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <cstdio>
 #include <ctime>
+#include <filesystem>
 #include <thread>
 
 #include "tests/cli/run_velantis.h"
 #include "tests/comm/port_doubles.h"
+#include "tests/support/testdata.h"
 
 namespace velantis::test {
 namespace {
@@ -62,6 +66,76 @@ TEST(ReceiverCommands, NmeaFollowsATcpSourceUntilItCloses) {
             "\"alt\":null,\"speed_kmh\":41.485,\"course_deg\":84.4000,\"valid\":true,\"sats\":8,"
             "\"hdop\":0.9}\n");
   EXPECT_EQ(run.err, "velantis: Error, puerto cerrado! " + server.Address() + "\n");
+}
+
+}  // namespace
+}  // namespace velantis::test
+
+namespace velantis::test {
+namespace {
+
+// One second of a receiver: the RMC (with its date) then the GGA.
+std::string Second(int second) {
+  char time[32], lat[32];
+  std::snprintf(time, sizeof time, "1235%02d", second);
+  std::snprintf(lat, sizeof lat, "4807.%03d", 100 + second);
+  return Sentence(std::string("GPRMC,") + time + ",A," + lat +
+                  ",N,01131.000,E,022.4,084.4,230394,003.1,W") +
+         Sentence(std::string("GPGGA,") + time + "," + lat +
+                  ",N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
+}
+
+size_t CountLines(const std::string& text, const std::string& start) {
+  size_t count = 0;
+  for (size_t at = text.find("\n" + start); at != std::string::npos;
+       at = text.find("\n" + start, at + 1))
+    ++count;
+  return count;
+}
+
+// The live track's text once it holds points T lines (within 10 s).
+std::string TrackWith(const std::filesystem::path& file, size_t points) {
+  std::string text;
+  for (int i = 0; i < 100 && CountLines(text, "T  ") < points; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    if (std::filesystem::exists(file)) text = FileBytes(file);
+  }
+  return text;
+}
+
+TEST(ReceiverCommands, LiveRecordsTheTrackAcrossAReconnectionAndAKill) {
+  for (const int signal : {SIGINT, SIGKILL}) {
+    const auto user = ScratchDir("live-user");
+    TLoopbackServer server;
+    std::thread receiver([&server] {
+      for (const auto& seconds : {std::vector<int>{0, 1, 2}, std::vector<int>{10, 11}}) {
+        const int client = server.Accept();  // the program comes back after the port closed
+        for (const int s : seconds) {
+          WriteAllTo(client, Second(s));
+          std::this_thread::sleep_for(std::chrono::milliseconds(150));
+        }
+        server.CloseClient();
+      }
+    });
+    TRunningVelantis live({"live", server.Address()}, user.string());
+    const std::string track = TrackWith(user / "TrackMovingMap-1994-03-23.trk", 5);
+    receiver.join();
+    const TRunResult run = live.Stop(signal);
+    // The GGA and the RMC of one second make one point; every point is in
+    // the file as soon as it came, whatever ends the program.
+    EXPECT_EQ(CountLines(track, "T  "), 5u) << track;
+    EXPECT_NE(track.find("\nz  0000000005,+048.118333,+0011.516667,+048.118517,+0011.516667"),
+              std::string::npos)
+        << track;
+    EXPECT_NE(track.find("\nm  1994-03-23 12:35:00|1994-03-23 12:35:11"), std::string::npos);
+    if (signal == SIGINT) {
+      EXPECT_EQ(run.exitCode, 0) << run.err;
+      EXPECT_EQ(CountLines("\n" + run.out, "1994-03-23T12:35:"), 10u) << run.out;
+      EXPECT_NE(run.err.find("velantis: Error, puerto cerrado! " + server.Address()),
+                std::string::npos)
+          << run.err;
+    }
+  }
 }
 
 }  // namespace
