@@ -38,3 +38,5 @@ echo "== an image map calibrated in UTM on European 1950: pixel -> WGS 84, and P
 "$velantis" calib data/examples/vallferrera.imp --pixel 2000 1500
 "$velantis" calib data/examples/vallferrera.imp --coord 42.66639 1.39750
 printf '0 0\n4000 3000\n' | "$velantis" calib data/examples/vallferrera.imp --pixel --datum "European 1950"
+echo "== NMEA sentences of a receiver, fix by fix (JSON)"
+"$velantis" nmea --json data/examples/vallferrera.nmea
