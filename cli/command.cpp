@@ -1,5 +1,6 @@
 #include "cli/command.h"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 
 namespace velantis::cli {
@@ -11,6 +12,10 @@ bool StartRuntime(const TGlobalOptions& options, TRuntime& runtime) {
   if (runtime.Start(options.folders, error)) return true;
   PrintError(error);
   return false;
+}
+
+void AddBaudOption(CLI::App& command, int& baud) {
+  command.add_option("--baud", baud, "baud rate of a serial port (default 4800)");
 }
 
 }  // namespace velantis::cli

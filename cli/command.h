@@ -25,6 +25,9 @@ void PrintError(std::string_view message);
 // Starts the runtime; on failure prints the message and returns false.
 bool StartRuntime(const TGlobalOptions& options, TRuntime& runtime);
 
+// The --baud option of the commands that open a port.
+void AddBaudOption(CLI::App& command, int& baud);
+
 // Each subcommand registers itself on the program's parser; the action runs
 // when it was chosen and sets the exit code.
 void AddDatumsCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);

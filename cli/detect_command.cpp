@@ -14,11 +14,9 @@ namespace velantis::cli {
 
 namespace {
 
-constexpr int kDefaultBaudRate = 4800;
-
 struct TDetectOptions {
   std::string port;
-  int baud = kDefaultBaudRate;
+  int baud = kNmeaBaudRate;
 };
 
 // The protocols tried, in order.
@@ -59,7 +57,7 @@ void AddDetectCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode
   auto options = std::make_shared<TDetectOptions>();
   auto* command = app.add_subcommand("detect", "protocol auto-detection on a port");
   command->add_option("port", options->port, "a serial port or host:port")->required();
-  command->add_option("--baud", options->baud, "baud rate (default 4800)");
+  AddBaudOption(*command, options->baud);
   command->callback([options, &global, &exitCode] { exitCode = Run(*options, global); });
 }
 

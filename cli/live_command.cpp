@@ -14,17 +14,17 @@
 #include "comm/nmea_live_cycle.h"
 #include "comm/port_line_source.h"
 #include "comm/serial_error.h"
+#include "comm/serial_port.h"
 
 namespace velantis::cli {
 
 namespace {
 
-constexpr int kDefaultBaudRate = 4800;
 constexpr auto kReconnectPause = std::chrono::milliseconds(500);
 
 struct TLiveOptions {
   std::string port;
-  int baud = kDefaultBaudRate;
+  int baud = kNmeaBaudRate;
 };
 
 class TLiveSession {
@@ -99,7 +99,7 @@ void AddLiveCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) 
   auto options = std::make_shared<TLiveOptions>();
   auto* command = app.add_subcommand("live", "follow a receiver and record the live track");
   command->add_option("port", options->port, "a serial port or host:port")->required();
-  command->add_option("--baud", options->baud, "baud rate (default 4800)");
+  AddBaudOption(*command, options->baud);
   command->callback([options, &global, &exitCode] { exitCode = Run(*options, global); });
 }
 

@@ -13,17 +13,16 @@
 #include "comm/nmea_live_handler.h"
 #include "comm/port_line_source.h"
 #include "comm/serial_error.h"
+#include "comm/serial_port.h"
 
 namespace velantis::cli {
 
 namespace {
 
-constexpr int kDefaultBaudRate = 4800;
-
 struct TNmeaOptions {
   std::string source;
   bool json = false;
-  int baud = kDefaultBaudRate;
+  int baud = kNmeaBaudRate;
 };
 
 class TFixPrinter {
@@ -94,7 +93,7 @@ void AddNmeaCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) 
   command->add_option("source", options->source, "a capture file, a serial port or host:port")
       ->required();
   command->add_flag("--json", options->json, "one JSON object a fix");
-  command->add_option("--baud", options->baud, "baud rate of a serial port (default 4800)");
+  AddBaudOption(*command, options->baud);
   command->callback([options, &global, &exitCode] { exitCode = Run(*options, global); });
 }
 

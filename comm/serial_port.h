@@ -42,6 +42,8 @@ struct TCommTimeouts {
   uint32_t writeTotalConstant = 0;
 };
 
+// NMEA 0183's own rate, what a port is opened at unless told otherwise.
+inline constexpr int kNmeaBaudRate = 4800;
 inline constexpr uint32_t kDefaultWriteTotalConstantMs = 1000;
 // The gap between bytes that ends a read once bytes are coming in: at 4800 baud
 // a byte takes about 2 ms, so a receiver's burst of sentences comes in one read.
