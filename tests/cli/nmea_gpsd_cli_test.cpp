@@ -65,8 +65,12 @@ std::string TimeOfDay(const std::string& line) {
   return at == std::string::npos ? "" : line.substr(at + 19, 12);
 }
 
-std::vector<TReport> GpsdReports(const std::filesystem::path& capture) {
-  FILE* pipe = popen(("gpsfake -1 -q -p '" + capture.string() + "' 2>/dev/null").c_str(), "r");
+// gpsd's reports for the capture. gpsfake has been seen to hang when its
+// gpsd dies at start; it is killed after a minute and tried once more.
+std::vector<TReport> GpsdReports(const std::filesystem::path& capture, int tries = 2) {
+  const std::string command =
+      "timeout -s KILL 60 gpsfake -1 -q -p '" + capture.string() + "' 2>/dev/null";
+  FILE* pipe = popen(command.c_str(), "r");
   std::vector<TReport> reports;
   if (!pipe) return reports;
   char buffer[8192];
@@ -78,7 +82,7 @@ std::vector<TReport> GpsdReports(const std::filesystem::path& capture) {
     if (!std::isnan(report.lat)) reports.push_back(report);
   }
   pclose(pipe);
-  return reports;
+  return reports.empty() && tries > 1 ? GpsdReports(capture, tries - 1) : reports;
 }
 
 std::multimap<std::string, TReport> OurFixes(const std::filesystem::path& capture) {
