@@ -230,12 +230,7 @@ INSTANTIATE_TEST_SUITE_P(Captures, NmeaAgainstGpsd,
                                            "ublox-neo-m9n-nmea.log", "firefly-II.log",
                                            "GPSmap-76S.log", "garmin-geko201.log",
                                            "triton400.log", "et-332.log", "ais-nmea.log",
-                                           "saab-r4.log", "gp-320fw-2019-04-07-coldboot.log"),
-                         [](const auto& info) {
-                           std::string name = info.param;
-                           for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
-                           return name;
-                         });
+                                           "saab-r4.log", "gp-320fw-2019-04-07-coldboot.log"), TFileParamName());
 
 }  // namespace
 }  // namespace velantis::test

@@ -59,12 +59,7 @@ TEST_P(CaptureReplay, ThroughAPseudoTerminalAsFromTheFile) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Captures, CaptureReplay,
-                         ::testing::Values("neo-m8n.log", "humminbird-M37.log", "triton400.log"),
-                         [](const auto& info) {
-                           std::string name = info.param;
-                           for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
-                           return name;
-                         });
+                         ::testing::Values("neo-m8n.log", "humminbird-M37.log", "triton400.log"), test::TFileParamName());
 
 }  // namespace
 }  // namespace velantis

@@ -162,12 +162,7 @@ TEST_P(OziMapGdalTest, PixelsGiveTheCoordinatesGdalGives) {
 
 INSTANTIATE_TEST_SUITE_P(RealMaps, OziMapGdalTest,
                          ::testing::Values("ozi1.map", "ozi2.map", "ozi3.map", "o37-122.map",
-                                           "m47-022.map", "9410_4633_14.map"),
-                         [](const auto& info) {
-                           std::string name = info.param;
-                           for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
-                           return name;
-                         });
+                                           "m47-022.map", "9410_4633_14.map"), test::TFileParamName());
 
 }  // namespace
 }  // namespace velantis

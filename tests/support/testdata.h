@@ -1,6 +1,9 @@
 // Where tests find the third-party test data, the source tree and the build tree.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <cctype>
 #include <filesystem>
 #include <string>
 
@@ -24,6 +27,17 @@ std::filesystem::path BinaryDir();
 
 // A fresh empty folder for one test, removed and made again on each call.
 std::filesystem::path ScratchDir(const std::string& name);
+
+// The name of a test whose parameter is a file name: "neo-m8n.log" gives
+// "neo_m8n_log".
+struct TFileParamName {
+  template <typename TParam>
+  std::string operator()(const ::testing::TestParamInfo<TParam>& info) const {
+    std::string name = info.param;
+    for (char& c : name) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+    return name;
+  }
+};
 
 // The bytes of a file (a failed read fails the test).
 std::string FileBytes(const std::filesystem::path& path);
