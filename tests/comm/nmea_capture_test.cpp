@@ -1,6 +1,7 @@
 // The real captures of the test data (gpsd's regression logs): every line
-// goes through the parser and the live handling, and the fixes are compared
-// with what gpsd itself reported for the same bytes (the .chk files).
+// goes through the parser and the live handling. The fixes are compared with
+// a real gpsd's reports in tests/cli/nmea_gpsd_cli_test.cpp; here only the
+// first one of a capture is, against the report gpsd recorded beside it.
 #include <gtest/gtest.h>
 
 #include <charconv>
@@ -153,121 +154,6 @@ std::string JsonText(std::string_view report, std::string_view key) {
   if (at == std::string_view::npos) return {};
   const size_t start = at + quoted.size();
   return std::string(report.substr(start, report.find('"', start) - start));
-}
-
-// Seconds of the day of "2010-07-08T00:59:47.000Z" or of a time; gpsd's
-// dates and ours differ where a receiver's week number rolled over, its
-// times of day do not.
-long MillisOfDay(std::string_view iso) {
-  const auto two = [&](size_t at) { return (iso[at] - '0') * 10 + (iso[at + 1] - '0'); };
-  return ((two(11) * 60L + two(14)) * 60L + two(17)) * 1000L + (iso[20] - '0') * 100L +
-         (iso[21] - '0') * 10L + (iso[22] - '0');
-}
-long MillisOfDay(TDateTime time) {
-  const double days = time.Days();
-  return std::lround((days - std::floor(days)) * kSecondsPerDay * 1000.0) % 86400000L;
-}
-
-struct TComparison {
-  size_t reports = 0;  // TPV reports with a position
-  size_t positions = 0, dates = 0, altitudes = 0, speeds = 0, tracks = 0, variations = 0;
-};
-
-struct TGpsdCase {
-  const char* capture;
-  bool compareDates;   // false where gpsd moved the date for a week rollover
-  bool compareMotion;  // false where gpsd derives speed from successive positions
-};
-
-// Every gpsd TPV report with a position has a valid fix of ours with that
-// position (gpsd prints 9 decimals of a degree) at that time of day (any
-// time when gpsd gives none: GLL alone carries no date). Its altitude above
-// mean sea level (4 decimals) is our GGA's of that second; its speed (m/s, 3
-// decimals), track (4 decimals) and magnetic variation (1 decimal) are our
-// last RMC's of that second, when it carried them.
-TComparison CompareWithGpsd(const std::filesystem::path& log, const TGpsdCase& c) {
-  const std::vector<std::string> lines = test::CaptureLines(log);
-  std::vector<std::string> identifiers;
-  const std::vector<TFix> fixes = LiveFixes(lines, identifiers);
-  std::multimap<long, const TFix*> byTime;
-  for (const TFix& fix : fixes)
-    if (fix.valid && !fix.time.IsNull()) byTime.emplace(MillisOfDay(fix.time), &fix);
-  const auto samePosition = [](const TFix& fix, double lat, double lon) {
-    return fix.valid && std::fabs(fix.lat - lat) < 1e-9 && std::fabs(fix.lon - lon) < 1e-9;
-  };
-
-  TComparison seen;
-  for (const std::string& report : test::CaptureLines(log.string() + ".chk")) {
-    if (report.find("\"class\":\"TPV\"") == std::string::npos) continue;
-    const std::string time = JsonText(report, "time");
-    const auto lat = JsonNumber(report, "lat"), lon = JsonNumber(report, "lon");
-    if (!lat || !lon) continue;
-    ++seen.reports;
-    if (time.size() < 23) {
-      bool found = false;
-      for (const TFix& fix : fixes) found = found || samePosition(fix, *lat, *lon);
-      EXPECT_TRUE(found) << "no fix of ours for " << report;
-      seen.positions += found;
-      continue;
-    }
-    const auto [first, last] = byTime.equal_range(MillisOfDay(time));
-    const TFix* match = nullptr;
-    const TFix* gga = nullptr;
-    const TFix* rmc = nullptr;
-    for (auto it = first; it != last; ++it) {
-      if (samePosition(*it->second, *lat, *lon)) match = it->second;
-      if (it->second->identifier == "GGA") gga = it->second;
-      if (it->second->identifier == "RMC") rmc = it->second;
-    }
-    if (match == nullptr) {
-      ADD_FAILURE() << "no fix of ours for " << report;
-      continue;
-    }
-    ++seen.positions;
-    if (c.compareDates) {
-      EXPECT_EQ(test::IsoMillis(match->time) + "Z", time);
-      ++seen.dates;
-    }
-    if (const auto alt = JsonNumber(report, "altMSL"); alt && gga != nullptr) {
-      EXPECT_NEAR(gga->altitude, *alt, 2e-3) << report;
-      ++seen.altitudes;
-    }
-    if (!c.compareMotion || rmc == nullptr) continue;
-    if (const auto speed = JsonNumber(report, "speed")) {
-      EXPECT_NEAR(rmc->speedKmh / 3.6, *speed, 0.0006) << report;
-      ++seen.speeds;
-    }
-    if (const auto track = JsonNumber(report, "track")) {
-      EXPECT_NEAR(rmc->courseRad * 180 / std::numbers::pi, *track, 0.0001) << report;
-      ++seen.tracks;
-    }
-    if (const auto magvar = JsonNumber(report, "magvar"); magvar && rmc->carriesVariation) {
-      EXPECT_NEAR(rmc->magneticVariationDeg, *magvar, 0.05) << report;
-      ++seen.variations;
-    }
-  }
-  return seen;
-}
-
-TEST(NmeaCaptures, FixesAgreeWithGpsd) {
-  const TGpsdCase cases[] = {
-      {"nmea/firefly-II.log", true, true},  {"nmea/ublox-neo-m9n-nmea.log", true, true},
-      {"nmea/neo-m8n.log", false, true},
-      {"nmea/hemi.log", false, true},  // its date is in ZDA alone
-      {"nmea/sounder.log", false, false},   {"nmea/GPSmap-76S.log", false, false},
-      {"nmea/ais-nmea.log", true, true},    {"nmea/saab-r4.log", true, true},
-  };
-  for (const TGpsdCase& c : cases) {
-    SCOPED_TRACE(c.capture);
-    VELANTIS_TESTDATA_OR_SKIP(path, c.capture);
-    const TComparison seen = CompareWithGpsd(path, c);
-    std::printf("%-32s reports %zu positions %zu dates %zu altitudes %zu speeds %zu tracks %zu "
-                "magvar %zu\n",
-                c.capture, seen.reports, seen.positions, seen.dates, seen.altitudes, seen.speeds,
-                seen.tracks, seen.variations);
-    EXPECT_GT(seen.reports, 0u);
-    EXPECT_EQ(seen.positions, seen.reports);
-  }
 }
 
 // The fish finder's first sentence with a position is an RMC with a
