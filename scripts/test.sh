@@ -3,9 +3,13 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build build -j "$(nproc)"
-ctest --test-dir build --output-on-failure -j "$(nproc)"
+# One build for the tests, under AddressSanitizer and UBSan, so that every
+# run checks memory and undefined behaviour; the benchmarks belong to the
+# plain build of scripts/example.sh and are not built here.
+cmake -S . -B build-test -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVELANTIS_SANITIZE=ON -DVELANTIS_BENCH=OFF
+cmake --build build-test -j "$(nproc)"
+export UBSAN_OPTIONS="print_stacktrace=1"
+ctest --test-dir build-test --output-on-failure -j "$(nproc)"
 
 # The fuzz targets: built with clang and run a few seconds each on their
 # seed corpus (long runs are done by hand; see the README). Only the targets
