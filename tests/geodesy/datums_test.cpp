@@ -163,13 +163,13 @@ TEST(DatumParameters, EqualWithinOneHundredThousandth) {
   // GRS 80's 1/f is within 1.5e-6 of WGS 84's: equal by this test, which is
   // what lets grids to GRS 80 datums (ETRS89, RGF93) attach.
   const TDatum a = Named("A", "", "");
-  const std::pair<void (*)(TDatum&), bool> changes[] = {
-      {[](TDatum& b) { b.dZ += 0.0000099; }, true},  {[](TDatum& b) { b.dZ += 0.00001; }, false},
-      {[](TDatum& b) { b.invFlattening += 1.4e-6; }, true}, {[](TDatum& b) { b.a += 0.00002; }, false}};
-  for (const auto& [change, same] : changes) {
+  for (const auto& [dz, invF, da, same] : {std::tuple{0.0000099, 1.4e-6, 0.0, true}, {0.00001, 0.0, 0.0, false},
+                                           {0.0, 2e-5, 0.0, false}, {0.0, 0.0, 0.00002, false}}) {
     TDatum b = a;
-    change(b);
-    EXPECT_EQ(SameDatumParameters(a, b), same);
+    b.dZ += dz;
+    b.invFlattening += invF;
+    b.a += da;
+    EXPECT_EQ(SameDatumParameters(a, b), same) << dz << " " << invF << " " << da;
   }
 }
 

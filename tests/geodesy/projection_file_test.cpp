@@ -121,6 +121,7 @@ TEST_F(ProjectionFile, OlderTransverseMercatorForm) {
       {head + rest + "FE=abc\r\n", "Error in FE=abc"},
       {head + rest + "LAT1=40\r\n", "Error in LAT1=40"},       // not a key of this form
       {head + "LON_ORIGIN=3E\r\n", "Error in LON_ORIGIN=3E"},  // plain numbers only
+      {head + std::string("NAME=a\0b\r\n", 10), "Error in " + std::string("NAME=a\0b", 8)},
       {"VERSION=2\r\n", "Error in 'VERSION'"},
       {"PROJECTION=transversal mercator\r\n", "Error in 'PROJECTION'"},
       {head + rest, "Error, some fields missing"},  // no FE

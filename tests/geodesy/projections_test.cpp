@@ -335,7 +335,6 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {kLcc2, north, false, 10, 90.5, "error in Grados_a_Lambert"},
       {kLcc2, north, false, kNaN, 10, "error in Grados_a_Lambert"},
       {kLcc2, north, true, kNaN, 0, "error in Lambert_a_Grados"},
-      {kLcc2, south, true, 0, kNaN, "error in Lambert_a_Grados"},
       {kLcc1, {.latOrigin = 0}, false, 0, 0, "error in Lambert parameters"},  // a cylinder, not a cone
       {kLcc1, {.latOrigin = 90}, true, 0, 0, "error in Lambert parameters"},
       {kLcc1, {.latOrigin = 45, .scaleFactor = 0}, false, 0, 0, "error in Lambert parameters"},
@@ -344,25 +343,18 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {kLcc2, {.latOrigin = -90, .lat1 = 30, .lat2 = 60}, false, 0, 0, "error in Lambert parameters"},
       {kLcc2, {.latOrigin = 91, .lat1 = 30, .lat2 = 60}, true, 0, 0, "error in Lambert parameters"},
       {kMerc, {}, false, 0, 90, "error in Grados_a_Mercator"},
-      {kMercS, {}, false, 10, -90, "error in Grados_a_Mercator"},
-      {kMercA, {}, false, 10, kNaN, "error in Grados_a_Mercator"},
-      {kMerc, {}, true, 0, kNaN, "error in Mercator_a_Grados"},
+      {kMercA, {}, true, 0, kNaN, "error in Mercator_a_Grados"},
       {kMercS, {}, true, kNaN, 0, "error in Mercator_a_Grados"},
       {kMerc, {.latOrigin = 90}, false, 0, 0, "error in Mercator parameters"},
-      {kMerc, {.latOrigin = -90}, true, 0, 0, "error in Mercator parameters"},
       {kMercA, {.scaleFactor = 0}, false, 0, 0, "error in Mercator parameters"},
-      {kMercA, {.scaleFactor = -1}, true, 0, 0, "error in Mercator parameters"},
       {kStere, {.latOrigin = 90}, false, 10, -90, "error in Grados_a_Stereographic"},  // opposite pole
       {kStere, {.latOrigin = -90}, false, 10, 90, "error in Grados_a_Stereographic"},
       {kStere, {}, false, 180, 0, "error in Grados_a_Stereographic"},  // antipode of the origin
-      {kStere, {.lonOrigin = -100, .latOrigin = 40}, false, 80, -40, "error in Grados_a_Stereographic"},
       {kStere, {}, false, 0, -91, "error in Grados_a_Stereographic"},
       {kStere, {}, false, kNaN, 0, "error in Grados_a_Stereographic"},
       {kStere, {}, true, kNaN, 0, "error in Stereographic_a_Grados"},
-      {kStere, {.latOrigin = 90}, true, 0, kInf, "error in Stereographic_a_Grados"},
       {kStere, {.latOrigin = 95}, false, 0, 0, "error in Stereographic parameters"},
       {kStere, {.scaleFactor = 0}, true, 0, 0, "error in Stereographic parameters"},
-      {kStere, {.scaleFactor = -1}, false, 0, 0, "error in Stereographic parameters"},
       {kSterea, {.latOrigin = 90}, false, 0, -90, "error in Grados_a_ObliqueStereographic"},
       {kSterea, {}, false, 0, 90.01, "error in Grados_a_ObliqueStereographic"},
       {kSterea, {}, false, 10, kNaN, "error in Grados_a_ObliqueStereographic"},
@@ -374,7 +366,6 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {kSterea, {.lonOrigin = 10, .latOrigin = 30}, false, -170, -30, "error in Grados_a_ObliqueStereographic",
        6400000, 0},
       {kLaea, {}, false, 180, 0, "error in Grados_a_LambertAzimuthal"},  // the antipode
-      {kLaea, {.lonOrigin = 10, .latOrigin = 52}, false, -170, -52, "error in Grados_a_LambertAzimuthal"},
       {kLaea, {.latOrigin = 90}, false, 0, -90, "error in Grados_a_LambertAzimuthal"},  // opposite pole
       {kLaea, {.latOrigin = -90}, false, 20, 90, "error in Grados_a_LambertAzimuthal"},
       {kLaea, {}, false, 0, 90.5, "error in Grados_a_LambertAzimuthal"},
@@ -383,12 +374,9 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {kLaea, {.latOrigin = 90}, true, 0, -13000000, "error in LambertAzimuthal_a_Grados"},
       {kLaea, {}, true, kNaN, 0, "error in LambertAzimuthal_a_Grados"},
       {kLaea, {.latOrigin = 91}, false, 0, 0, "error in LambertAzimuthal parameters"},
-      {kLaea, {.latOrigin = -90.5}, true, 0, 0, "error in LambertAzimuthal parameters"},
       {kPoly, {}, false, 10, 90.5, "error in Grados_a_Policonica"},
-      {kPoly, {}, false, 10, -91, "error in Grados_a_Policonica"},
       {kPoly, {}, false, kNaN, 10, "error in Grados_a_Policonica"},
       {kPoly, {}, true, 5e7, 1e7, "error in Policonica_a_Grados"},  // more than half a turn off
-      {kPoly, {}, true, -3e7, -2e6, "error in Policonica_a_Grados"},
       {kPoly, {}, true, 2.1e7, 0.5e7, "error in Policonica_a_Grados"},
       {kPoly, {}, true, 0, kNaN, "error in Policonica_a_Grados"},
       {kPoly, {}, true, 9e6, 1.2e7, "error in Policonica_a_Grados"},  // the bounded iteration gives up
@@ -399,9 +387,7 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {"NZMG", {}, true, 4e10, -3e10, "error in NZMG_a_Grados"},  // Newton wanders off
       {"CH-1903", {}, false, 8, 90.5, "error in Grados_a_CH1903"},
       {"CH-1903", {}, false, kNaN, 47, "error in Grados_a_CH1903"},
-      {"CH-1903", {}, false, 8, -kInf, "error in Grados_a_CH1903"},
       {"CH-1903", {}, true, kNaN, 200000, "error in CH1903_a_Grados"},
-      {"CH-1903", {}, true, 600000, kInf, "error in CH1903_a_Grados"},
   };
   for (const TRow& row : rows) {
     SCOPED_TRACE(testing::Message() << row.kind << " origin " << row.params.latOrigin

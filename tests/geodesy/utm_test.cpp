@@ -75,6 +75,7 @@ TEST(Utm, ZoneTextAndZoneCheck) {
     EXPECT_EQ(message, row.ok ? "" : kUtmZoneError) << row.text;
   }
   EXPECT_EQ(FormatUtmZone({5, 'M'}), "05M");
+  EXPECT_EQ(FormatUtmZone({0, 'A'}), "00A");  // -180 computes as zone 0
   // Only the band letter is checked, though the message speaks of the number.
   const std::pair<TZonaUTM, bool> checkRows[] = {{{31, 'A'}, true},   {{31, 'Z'}, true},  {{99, 'T'}, true},
                                                  {{31, 't'}, false}, {{31, '@'}, false}, {{31, '['}, false}};
