@@ -1,9 +1,5 @@
-// The plane projections of the catalogue, built by their catalogue names,
-// against outside references: PROJ's .gie vectors (builtins.gie and
-// 4D-API_cs2cs-style.gie, PROJ @ 52da98bd99) and the IOGP GIGS series with
-// their EPSG parameters (gie/gigs/EPSG_RESOLVED.txt), published points both
-// ways, PROJ itself over each projection's domain, and the refusals with the
-// system's messages.
+// The catalogue's plane projections against PROJ's .gie vectors (PROJ @ 52da98bd99),
+// the IOGP GIGS series, published points, PROJ itself, and their refusals.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -25,7 +21,6 @@ using namespace test;  // the ellipsoid constants and the checks
 using P = TProjectionParams;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kRadian = 180 / std::numbers::pi;
 constexpr double kClarke1866A = 6378206.4, kClarke1866Rf = 294.9786982;        // EPSG 7008
 constexpr double kAiryA = 6377563.396, kAiryRf = 299.3249646;                   // EPSG 7001
@@ -60,21 +55,15 @@ const P kRdNew{.lonOrigin = 5.38763888888889, .latOrigin = 52.1561605555556, .sc
 const P kLaeaEurope{.lonOrigin = 10, .latOrigin = 52, .falseEasting = 4321000, .falseNorthing = 3210000};
 const P kBrazil{.lonOrigin = -54, .falseEasting = 5000000, .falseNorthing = 10000000};  // GIGS 5107
 
-// The operations that refuse their parameters have no accept and count as
-// one refusal each. GIGS 5110 (LAEA) is one PROJ keeps as failing, its
-// inverse series drifting in the 1000-fold round trips; the exact inverse
-// here passes them.
+// An operation refusing its parameters counts as one refusal. GIGS 5110 is
+// one PROJ keeps as failing (its inverse series drift); ours passes it.
 const TGieRow kGieRows[] = {
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=GRS80 +lat_1=0.5 +lat_2=2"}, kGrs80A, kGrs80Rf, {.lat1 = 0.5, .lat2 = 2}, 10},
-    {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=sphere +lat_1=30 +lat_2=40"}, kProjSphereR, 0, {.lat1 = 30, .lat2 = 40}, 4},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=GRS80 +lat_1=30 +lat_2=45"}, kGrs80A, kGrs80Rf, {.lat1 = 30, .lat2 = 45}, 4},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=sphere +lat_1=30 +lat_2=45"}, kProjSphereR, 0, {.lat1 = 30, .lat2 = 45}, 5},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=GRS80 +lat_1=0 +lat_2=90"}, kGrs80A, kGrs80Rf, {.lat1 = 0, .lat2 = 90}, 1},
-    {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=GRS80 +lat_1=90 +lat_2=0"}, kGrs80A, kGrs80Rf, {.lat1 = 90, .lat2 = 0}, 1},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=GRS80 +lat_1=90 +lat_2=90"}, kGrs80A, kGrs80Rf, {.lat1 = 90, .lat2 = 90}, 1},
-    {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=sphere +lat_1=0 +lat_2=90"}, kProjSphereR, 0, {.lat1 = 0, .lat2 = 90}, 1},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=sphere +lat_1=91"}, kProjSphereR, 0, {.lat1 = 91, .lat2 = 91}, 1},
-    {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=sphere +lat_2=91"}, kProjSphereR, 0, {.lat1 = 0, .lat2 = 91}, 1},
     {kLcc1, "gie/gigs/5102.1.gie", {"+proj=pipeline +step +init=epsg:4230 +inv +step +init=epsg:2192"},
      kInternationalA, kInternationalRf, kEuroLambert, 38},
     {kLcc1, "gie/gigs/5102.1.gie", {"+proj=pipeline +step +init=epsg:2192 +inv +step +init=epsg:4230", true},
@@ -82,8 +71,6 @@ const TGieRow kGieRows[] = {
     {kLcc2, "gie/gigs/5103.1.gie", {"+proj=pipeline +step +init=epsg:4313 +inv +step +init=epsg:31370"},
      kInternationalA, kInternationalRf, kBelgian72, 20},
     {kLcc2, "gie/gigs/5103.1.gie", {"proj=pipeline step init=epsg:31370 inv step init=epsg:4313", true},
-     kInternationalA, kInternationalRf, kBelgian72, 20},
-    {kLcc2, "gie/gigs/5103.1.gie", {"+proj=pipeline towgs84=0,0,0 +step +init=epsg:4313 +inv +step +init=epsg:31370"},
      kInternationalA, kInternationalRf, kBelgian72, 20},
     {"France Lambert II", "gie/gigs/5102.2.gie",
      {"+proj=pipeline +step +proj=unitconvert +xy_in=grad +xy_out=rad +step +init=epsg:4807 +inv +step +init=epsg:27572",
@@ -94,8 +81,6 @@ const TGieRow kGieRows[] = {
     {kMercA, "gie/builtins.gie", {"+proj=merc +ellps=GRS80"}, kGrs80A, kGrs80Rf, {}, 16},
     {kMerc, "gie/builtins.gie", {"+proj=merc +ellps=GRS80"}, kGrs80A, kGrs80Rf, {}, 16},
     {kMercS, "gie/builtins.gie", {"+proj=merc +R=6400000"}, 6400000, 0, {}, 10},
-    {kMercS, "gie/builtins.gie", {"+proj=merc +R=1"}, 1, 0, {}, 2},
-    {kMercS, "gie/builtins.gie", {"+proj=merc +R_C +a=6371007 +b=6371007"}, 6371007, 0, {}, 1},
     {kMercS, "gie/4D-API_cs2cs-style.gie", {"proj=webmerc +ellps=WGS84"}, kWgs84A, kWgs84Rf, {}, 2},
     {kMercA, "gie/gigs/5111.1.gie", {"+proj=pipeline towgs84=0,0,0 +step +init=epsg:4211 +inv +step +init=epsg:3001"},
      kBesselA, kBesselRf, kNeiez, 70},
@@ -107,31 +92,22 @@ const TGieRow kGieRows[] = {
      kKrassowskyA, kKrassowskyRf, kCaspian, 5},
     {kMerc, "gie/gigs/5112.gie", {"proj=pipeline step init=epsg:3388 inv step init=epsg:4284", true},
      kKrassowskyA, kKrassowskyRf, kCaspian, 5},
-    {kMerc, "gie/gigs/5112.gie", {"proj=pipeline towgs84=0,0,0 step init=epsg:4284 inv step init=epsg:3388"},
-     kKrassowskyA, kKrassowskyRf, kCaspian, 5},
     {kStere, "gie/builtins.gie", {"+proj=stere +ellps=GRS80"}, kGrs80A, kGrs80Rf, {}, 8},
     {kStere, "gie/builtins.gie", {"+proj=stere +R=6400000"}, 6400000, 0, {}, 8},
     {kStere, "gie/builtins.gie", {"+proj=stere +ellps=GRS80 +lat_0=-90 +k_0=0.97"}, kGrs80A, kGrs80Rf,
      {.latOrigin = -90, .scaleFactor = 0.97}, 4},
-    {kStere, "gie/builtins.gie", {"+proj=stere +R=6378137 +lat_0=-90 +k_0=0.9698463103929542"}, 6378137, 0,
-     {.latOrigin = -90, .scaleFactor = 0.9698463103929542}, 4},
     {kSterea, "gie/builtins.gie", {"+proj=sterea +ellps=GRS80"}, kGrs80A, kGrs80Rf, {}, 8},
     {kSterea, "gie/builtins.gie", {"+proj=sterea +R=6400000"}, 6400000, 0, {}, 9},
     {kSterea, "gie/builtins.gie", {"+proj=sterea +ellps=GRS80 +lat_0=90"}, kGrs80A, kGrs80Rf, {.latOrigin = 90}, 4},
-    {kSterea, "gie/builtins.gie", {"+proj=sterea +ellps=GRS80 +lat_0=89"}, kGrs80A, kGrs80Rf, {.latOrigin = 89}, 4},
     {kSterea, "gie/builtins.gie", {"+proj=sterea +ellps=GRS80 +lat_0=-90"}, kGrs80A, kGrs80Rf, {.latOrigin = -90}, 4},
-    {kSterea, "gie/builtins.gie", {"+proj=sterea +ellps=GRS80 +lat_0=-89"}, kGrs80A, kGrs80Rf, {.latOrigin = -89}, 4},
     {kSterea, "gie/gigs/5104.gie", {"+proj=pipeline +step +init=epsg:4289 +inv +step +init=epsg:28992"},
      kBesselA, kBesselRf, kRdNew, 40},
     {kSterea, "gie/gigs/5104.gie", {"+proj=pipeline +step +init=epsg:28992 +inv +step +init=epsg:4289", true},
      kBesselA, kBesselRf, kRdNew, 20},
     {kLaea, "gie/builtins.gie", {"+proj=laea +ellps=GRS80"}, kGrs80A, kGrs80Rf, {}, 12},
     {kLaea, "gie/builtins.gie", {"+proj=laea +R=6400000"}, 6400000, 0, {}, 9},
-    {kLaea, "gie/builtins.gie", {"+proj=laea +R=1 +lat_0=45"}, 1, 0, {.latOrigin = 45}, 7},
     {kLaea, "gie/builtins.gie", {"+proj=laea +ellps=GRS80 +lat_0=45"}, kGrs80A, kGrs80Rf, {.latOrigin = 45}, 7},
-    {kLaea, "gie/builtins.gie", {"+proj=laea +R=1 +lat_0=-90"}, 1, 0, {.latOrigin = -90}, 6},
     {kLaea, "gie/builtins.gie", {"+proj=laea +ellps=GRS80 +lat_0=-90"}, kGrs80A, kGrs80Rf, {.latOrigin = -90}, 7},
-    {kLaea, "gie/builtins.gie", {"+proj=laea +R=1 +lat_0=90"}, 1, 0, {.latOrigin = 90}, 6},
     {kLaea, "gie/builtins.gie", {"+proj=laea +ellps=GRS80 +lat_0=90"}, kGrs80A, kGrs80Rf, {.latOrigin = 90}, 6},
     {kLaea, "gie/builtins.gie", {"+proj=laea +ellps=GRS80 +lat_0=91"}, kGrs80A, kGrs80Rf, {.latOrigin = 91}, 1},
     {kLaea, "gie/gigs/5110.gie.failing", {"+proj=pipeline +step +init=epsg:4258 +inv +step +init=epsg:3035"},
@@ -150,14 +126,10 @@ const TGieRow kGieRows[] = {
 
 TEST(Projections, ProjAndGigsVectors) { ExpectGieRows(kGieRows); }
 
-// PROJ's nzmg fixes its figure to International 1924 whatever ellipsoid the
-// definition names. Its builtins.gie values lie thousands of kilometres
-// outside New Zealand, where the polynomials run wild, so that every term is
-// exercised; all forward values must match. Of the inverse ones only those at
-// E -200000 can: at E +200000 the sixth-degree polynomial has several roots
-// near each other and Newton's method finds another one from LINZ's C-series
-// start than PROJ from its own. Neither answer means anything there, so those
-// two, and only those, may differ.
+// PROJ's nzmg (International 1924 whatever the definition says), far outside
+// New Zealand so that every term counts: all forward values match; at E
+// +200000 the polynomial's roots crowd and Newton may find another one, so
+// those two inverse values, and only those, may differ.
 TEST(Projections, NewZealandMapGridProjVectorsFarOutside) {
   VELANTIS_TESTDATA_OR_SKIP(path, "gie/builtins.gie");
   TGieReport report;
@@ -181,8 +153,7 @@ TEST(Projections, PublishedPoints) {
     double lon, lat, x, y, tolerance, roundTrip = 1e-6;
   };
   const TCase cases[] = {
-      // IGN NTG_71, test sets ALG0003/ALG0004, Lambert I on NTF (Paris meridian, radians as IGN
-      // prints them); IGN's rounded constants move Y by 2 mm.
+      // IGN NTG_71 ALG0003/ALG0004, Lambert I on NTF (radians as IGN prints them; Y 2 mm off).
       {"IGN Lambert I", kLcc1, kClarkeIgnA, kClarkeIgnRf,
        {.lonOrigin = 0.04079234433 * kRadian, .latOrigin = 49.5, .scaleFactor = 0.99987734,
         .falseEasting = 600000, .falseNorthing = 200000},
@@ -193,34 +164,21 @@ TEST(Projections, PublishedPoints) {
       {"GN 7-2 LAEA Europe", kLaea, kGrs80A, kGrs80Rf, kLaeaEurope, 5, 50, 3962799.45, 2999718.85, 0.005},
       // Snyder, "Map Projections: A Working Manual" (1987), ellipsoidal oblique stereographic.
       {"Snyder", kStere, kClarke1866A, kClarke1866Rf, kSnyderOblique, -90, 30, 971630.8, -1063049.3, 0.05},
-      // PROJ's cs2cs test "stere without lat_ts" (test_cs2cs_various.yaml).
-      {"PROJ cs2cs stere", kStere, kWgs84A, kWgs84Rf, {.lonOrigin = 10, .latOrigin = 40}, 20, 45, 789468.08,
-       602385.33, 0.005},
-      // The RD origin, Amersfoort: 155000, 463000 by definition.
-      {"Amersfoort", kSterea, kBesselA, kBesselRf, kRdNew, 5 + 23 / 60.0 + 15.5 / 3600,
-       52 + 9 / 60.0 + 22.178 / 3600, 155000, 463000, 0.001},
-      // swisstopo (2016) worked example, Rigi; Bern by definition; MapRef (2001) sample point 1,
-      // given in LV95, which is LV03 plus 2000000 and 1000000.
+      // swisstopo (2016) worked example, Rigi; MapRef (2001) sample point 1 (LV95 less 2e6, 1e6).
       {"Rigi", "CH-1903", kBesselA, kBesselRf, {}, 8 + 29 / 60.0 + 11.11127154 / 3600,
        47 + 3 / 60.0 + 28.95659233 / 3600, 679520.05, 212273.44, 0.005},
-      {"Bern", "Swiss Grid", kBesselA, kBesselRf, {}, 7 + 26 / 60.0 + 22.50 / 3600, 46 + 57 / 60.0 + 8.66 / 3600,
-       600000, 200000, 1e-6},
       {"MapRef 1", "swiss", kBesselA, kBesselRf, {}, 7 + 40 / 60.0 + 10.273359 / 3600, 47 + 34 / 60.0 + 6.364313 / 3600,
        617300.623, 268506.596, 0.0005},
-      // PROJ's cs2cs nzmg test, and the grid's origin (LINZ); A and D series invert to ~10 um.
+      // PROJ's cs2cs nzmg test and the grid's origin (LINZ); the series invert to ~10 um.
       {"PROJ cs2cs nzmg", "New Zealand Map Grid", kInternationalA, kInternationalRf, {}, 175, -40,
        2680778.5726797, 6132228.0764513, 1e-4, 5e-5},
       {"NZMG origin", "NZMG", kInternationalA, kInternationalRf, {}, 173, -41, 2510000, 6023150, 1e-9, 5e-5},
-      {"NZTM origin", "TOP50", kGrs80A, kGrs80Rf, {}, 173, 0, 1600000, 10000000, 1e-6},
       // Point zero of French roads, Notre-Dame, RGF93 -> Lambert 93 (IGN/ENSG formulas, 2010).
       {"Point zero", "Lambert-93", kGrs80A, kGrs80Rf, {}, 2 + 20.0 / 60 + 55.62563 / 3600,
        48 + 51.0 / 60 + 12.24845 / 3600, 652215.52, 6861681.77, 0.005},
-      // Ordnance Survey's worked example, Caister water tower: 3.7 degrees from the
-      // central meridian, where the transverse Mercator inverse series are 2 mm short.
+      // Ordnance Survey's worked example, Caister (3.7 degrees out: the inverse series 2 mm short).
       {"Caister", "bng", kAiryA, kAiryRf, {}, 1 + 43 / 60.0 + 4.5177 / 3600, 52 + 39 / 60.0 + 27.2531 / 3600,
        651409.903, 313177.270, 0.002, 0.002},
-      // The Irish grid's true origin in Lough Ree: 200000, 250000 by definition.
-      {"Lough Ree", "irish", kAiryModifiedA, kAiryModifiedRf, {}, -8, 53.5, 200000, 250000, 0.0005, 0.0005},
   };
   for (const TCase& c : cases) {
     SCOPED_TRACE(c.source);
@@ -228,12 +186,9 @@ TEST(Projections, PublishedPoints) {
   }
 }
 
-// Against PROJ over each projection's domain: forward within 1 mm, our
-// inverse of PROJ's plane point within 1e-8 degrees.
-// The France rows are what `projinfo -o PROJ EPSG:27572 / 27573 / 27574 /
-// 2154` prints (PROJ 9.1.1, the datum shift dropped). The transverse
-// Mercator grids are checked within 3 degrees of their central meridians,
-// where the series meet the millimetre (see transverse_mercator_test.cpp).
+// Against PROJ over each domain: 1 mm forward, 1e-8 degrees back. France:
+// `projinfo -o PROJ EPSG:27572/27573/27574/2154` less the datum shift; the
+// transverse Mercator grids within 3 degrees of their meridians.
 TEST(Projections, AgreeWithProjOverTheirDomains) {
   struct TRow {
     const char* kind;
@@ -279,8 +234,6 @@ TEST(Projections, AgreeWithProjOverTheirDomains) {
        {-180, 180, 15, 0, 90, 5}, 150},
       {kLaea, kWgs84A, kWgs84Rf, {.latOrigin = -90, .falseEasting = 1e6}, "+proj=laea +lat_0=-90 +x_0=1000000",
        {-180, 180, 15, -90, 0, 5}, 150},
-      {kLaea, kInternationalA, kInternationalRf, {.lonOrigin = -100}, "+proj=laea +lon_0=-100",
-       {-180, -20, 10, -80, 80, 10}, 150},
       {kLaea, kProjSphereR, 0, {.lonOrigin = -100, .latOrigin = 45}, "+proj=laea +lat_0=45 +lon_0=-100",
        {-170, -30, 10, -10, 85, 5}, 150},
       {kPoly, kGrs80A, kGrs80Rf, kBrazil, "+proj=poly +lon_0=-54 +x_0=5000000 +y_0=10000000",
@@ -328,10 +281,9 @@ TEST(Projections, RefuseWhatHasNoImage) {
     const char* message;
     double a = kGrs80A, rf = kGrs80Rf;
   };
-  const P north{.lat1 = 30, .lat2 = 60}, south{.lat1 = -30, .lat2 = -60};
+  const P north{.lat1 = 30, .lat2 = 60};
   const TRow rows[] = {
       {kLcc2, north, false, 10, -90, "error in Grados_a_Lambert"},  // the pole the cone opens to
-      {kLcc2, south, false, 10, 90, "error in Grados_a_Lambert"},
       {kLcc2, north, false, 10, 90.5, "error in Grados_a_Lambert"},
       {kLcc2, north, false, kNaN, 10, "error in Grados_a_Lambert"},
       {kLcc2, north, true, kNaN, 0, "error in Lambert_a_Grados"},
@@ -348,7 +300,6 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {kMerc, {.latOrigin = 90}, false, 0, 0, "error in Mercator parameters"},
       {kMercA, {.scaleFactor = 0}, false, 0, 0, "error in Mercator parameters"},
       {kStere, {.latOrigin = 90}, false, 10, -90, "error in Grados_a_Stereographic"},  // opposite pole
-      {kStere, {.latOrigin = -90}, false, 10, 90, "error in Grados_a_Stereographic"},
       {kStere, {}, false, 180, 0, "error in Grados_a_Stereographic"},  // antipode of the origin
       {kStere, {}, false, 0, -91, "error in Grados_a_Stereographic"},
       {kStere, {}, false, kNaN, 0, "error in Grados_a_Stereographic"},
@@ -359,7 +310,6 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {kSterea, {}, false, 0, 90.01, "error in Grados_a_ObliqueStereographic"},
       {kSterea, {}, false, 10, kNaN, "error in Grados_a_ObliqueStereographic"},
       {kSterea, {}, true, kNaN, 1, "error in ObliqueStereographic_a_Grados"},
-      {kSterea, {}, true, 0, -kInf, "error in ObliqueStereographic_a_Grados"},
       {kSterea, {.latOrigin = 91}, false, 0, 0, "error in ObliqueStereographic parameters"},
       {kSterea, {.scaleFactor = 0}, true, 0, 0, "error in ObliqueStereographic parameters"},
       // The antipode, at infinity; Gauss's sphere stretches longitudes by n, 1 on a sphere.
@@ -367,7 +317,6 @@ TEST(Projections, RefuseWhatHasNoImage) {
        6400000, 0},
       {kLaea, {}, false, 180, 0, "error in Grados_a_LambertAzimuthal"},  // the antipode
       {kLaea, {.latOrigin = 90}, false, 0, -90, "error in Grados_a_LambertAzimuthal"},  // opposite pole
-      {kLaea, {.latOrigin = -90}, false, 20, 90, "error in Grados_a_LambertAzimuthal"},
       {kLaea, {}, false, 0, 90.5, "error in Grados_a_LambertAzimuthal"},
       {kLaea, {}, false, kNaN, 10, "error in Grados_a_LambertAzimuthal"},
       {kLaea, {}, true, 13000000, 0, "error in LambertAzimuthal_a_Grados"},  // beyond the rim
@@ -383,7 +332,6 @@ TEST(Projections, RefuseWhatHasNoImage) {
       {"NZMG", {}, false, 174, -90.01, "error in Grados_a_NZMG"},
       {"NZMG", {}, false, kNaN, -41, "error in Grados_a_NZMG"},
       {"NZMG", {}, true, 2510000, kNaN, "error in NZMG_a_Grados"},
-      {"NZMG", {}, true, kInf, 6023150, "error in NZMG_a_Grados"},
       {"NZMG", {}, true, 4e10, -3e10, "error in NZMG_a_Grados"},  // Newton wanders off
       {"CH-1903", {}, false, 8, 90.5, "error in Grados_a_CH1903"},
       {"CH-1903", {}, false, kNaN, 47, "error in Grados_a_CH1903"},
@@ -437,11 +385,9 @@ TEST(Projections, LambertAzimuthalRoundTripsWhereTheInverseIsDelicate) {
   }
 }
 
-// Within a degree of a pole the polyconic inverse takes its polar iteration;
-// PROJ's own inverse gives up there, so PROJ's forward is the reference: 10
-// micrometres on the ground. The meridian quadrant: GRS 80's published
-// 10001965.7293 m (Moritz 1980); International 1924's 10002288.299 m from a
-// 30-digit quadrature (mpmath, outside this code).
+// Near a pole the polyconic inverse takes its polar iteration (PROJ's gives
+// up: its forward is the reference). Quadrants: GRS 80's 10001965.7293 m
+// (Moritz 1980); International 1924's from a 30-digit quadrature.
 TEST(Projections, PolyconicAroundThePolesAndTheQuadrant) {
   const TDatum grs80 = MakeEllipsoid(kGrs80A, kGrs80Rf);
   const TPolyconic polyconic(grs80, kBrazil);

@@ -9,7 +9,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/gie_vectors.h"
 #include "tests/support/proj_reference.h"
 #include "tests/support/proj_sweep.h"
 #include "tests/support/testdata.h"
@@ -20,8 +19,8 @@ namespace {
 using test::GroundMetres;
 using test::MakeDatum;
 
-// Datums with their NIMA TR8350.2 mean shifts; GRS 1980 with none.
-enum : int { kWgs84, kEd50, kNad27, kTokyo, kOsgb36, kGrs80 };
+// Datums with their NIMA TR8350.2 mean shifts.
+enum : int { kWgs84, kEd50, kNad27, kTokyo, kOsgb36 };
 struct TFixture {
   int configured = 0;
   TListaDatums list{configured};
@@ -31,7 +30,6 @@ struct TFixture {
     list.Add(MakeDatum("NAD27 CONUS", 6378206.4, 294.9786982, -8, 160, 176));
     list.Add(MakeDatum("Tokyo", 6377397.155, 299.1528128, -148, 507, 685));
     list.Add(MakeDatum("Ord Srvy Grt Britn", 6377563.396, 299.3249646, 375, -111, 431));
-    list.Add(MakeDatum("GRS 80", 6378137, 298.257222101, 0, 0, 0));
   }
 };
 
@@ -118,48 +116,6 @@ TEST(Utm, AgreesWithProjOnSeveralEllipsoids) {
     }
   }
   EXPECT_EQ(compared, 5 * 32 * 39);
-}
-
-// IOGP GIGS 5101 parts 2 (WGS 84 / UTM 31N) and 3 (GDA94 / MGA 54, a
-// southern zone on GRS 1980), in the zone of the test (forced), points
-// within 3 degrees of the central meridian, at the GIGS tolerance.
-TEST(Utm, MatchesTheGigsPointsInForcedZones) {
-  struct TRow {
-    const char* file;
-    const char* geographic;
-    int datum;
-    TZonaUTM zone;
-  };
-  TFixture f;
-  for (const TRow& row : {TRow{"gie/gigs/5101.2-jhs.gie", "epsg:4326", kWgs84, {31, 'N'}},
-                          TRow{"gie/gigs/5101.3-jhs.gie", "epsg:4283", kGrs80, {54, 'H'}}}) {
-    VELANTIS_TESTDATA_OR_SKIP(file, row.file);
-    std::vector<test::TGieBlock> blocks;
-    std::string error, message;
-    ASSERT_TRUE(test::ReadGieBlocks(file, {row.geographic}, blocks, error)) << error;
-    int forward = 0, inverse = 0;
-    for (const auto& block : blocks) {
-      for (const auto& pair : block.pairs) {
-        const double* geo = block.fromGeographic ? pair.accept : pair.expect;
-        const double* plane = block.fromGeographic ? pair.expect : pair.accept;
-        if (std::fabs(geo[0] - UtmZoneParams(row.zone).lonOrigin) > 3) continue;
-        TUtmPosition utm{row.zone, 0, 0};
-        TLonLat ours;
-        if (block.fromGeographic) {
-          ASSERT_TRUE(LatLonToUtm({geo[0], geo[1]}, row.datum, row.datum, f.list, utm, message, true));
-          EXPECT_LE(std::hypot(utm.x - plane[0], utm.y - plane[1]), pair.toleranceM) << row.file << ":" << pair.line;
-          ++forward;
-        } else {
-          ASSERT_TRUE(UtmToLatLon({row.zone, plane[0], plane[1]}, row.datum, row.datum, f.list, ours, message));
-          EXPECT_LE(GroundMetres(ours, {geo[0], geo[1]}, f.list.Get(row.datum)->a), pair.toleranceM)
-              << row.file << ":" << pair.line;
-          ++inverse;
-        }
-      }
-    }
-    EXPECT_GT(forward * inverse, 0) << row.file;
-    EXPECT_EQ(forward + inverse, 14) << row.file;  // of its 69 points, those within 3 degrees
-  }
 }
 
 // The inverse limits and the checks, with their messages; a refused position

@@ -177,38 +177,31 @@ void ExpectGieRows(std::span<const TGieRow> rows) {
   }
 }
 
-bool ReadGieBlocks(const std::filesystem::path& file, const std::vector<std::string>& geographicCodes,
-                   std::vector<TGieBlock>& blocks, std::string& error) {
+bool ReadGiePairs(const std::filesystem::path& file, const std::string& geographicCode,
+                  std::vector<TGiePair>& pairs, std::string& error) {
   std::vector<TCommand> commands;
   if (!ReadCommands(file, commands)) {
     error = "cannot open " + file.string();
     return false;
   }
-  double tolerance = 0;
   TGiePair pending;
   bool havePending = false;
   for (const TCommand& command : commands) {
-    if (command.keyword == "operation") {
-      TGieBlock block;
-      block.operation = command.args;
-      // The first step names the source system.
-      const std::string first = command.args.substr(0, command.args.find("+step", command.args.find("+step") + 1));
-      for (const auto& code : geographicCodes) block.fromGeographic |= first.find(code) != std::string::npos;
-      blocks.push_back(block);
+    if (command.keyword == "operation") {  // the first step names the source system
+      const std::string& ops = command.args;
+      pending.fromGeographic = ops.substr(0, ops.find("+step", ops.find("+step") + 1)).find(geographicCode) != std::string::npos;
     } else if (command.keyword == "tolerance") {
-      tolerance = ToleranceMetres(command.args);
+      pending.toleranceM = ToleranceMetres(command.args);
     } else if (command.keyword == "accept") {
       havePending = TwoNumbers(command.args, pending.accept[0], pending.accept[1]);
-    } else if (command.keyword == "expect" && havePending && !blocks.empty() &&
-               TwoNumbers(command.args, pending.expect[0], pending.expect[1])) {
-      pending.toleranceM = tolerance;
+    } else if (command.keyword == "expect" && havePending && TwoNumbers(command.args, pending.expect[0], pending.expect[1])) {
       pending.line = command.line;
-      blocks.back().pairs.push_back(pending);
+      pairs.push_back(pending);
       havePending = false;
     }
   }
-  if (blocks.empty()) error = "no operation in " + file.string();
-  return !blocks.empty();
+  if (pairs.empty()) error = "no accept/expect pair in " + file.string();
+  return !pairs.empty();
 }
 
 }  // namespace velantis::test

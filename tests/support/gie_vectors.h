@@ -1,6 +1,4 @@
-// A reader of PROJ's .gie test files, and two ways to run their vectors
-// through a projection: the cases of one operation block as gie runs them,
-// or the accept/expect pairs of every block for a test to run itself.
+// PROJ's .gie test files: one operation's cases run as gie runs them, or the pairs read.
 #pragma once
 
 #include <filesystem>
@@ -26,22 +24,18 @@ struct TGieReport {
   std::vector<std::string> failures;
 };
 
-// Runs every case of the matching operation blocks of a .gie file: expected
-// values within the file's tolerance (angles compared as metres on the ground,
-// as gie does), "expect failure" as a refusal, "roundtrip n" as n forward and
-// inverse passes drifting less than the tolerance. false and error when the
-// file cannot be read or holds no such operation.
+// Every case of the matching operation blocks: values within the tolerance (angles
+// as metres on the ground), "expect failure" refused, "roundtrip n" drifting less.
+// false and error when the file cannot be read or holds no such operation.
 bool RunGieOperation(const std::filesystem::path& path, const TGieOperation& operation,
                      const TProjection& projection, double semiMajorAxis, TGieReport& report,
                      std::string& error);
 
-// RunGieOperation on a file that must hold the operation: `cases` cases run,
-// none failing.
+// RunGieOperation: `cases` cases run, none failing.
 void ExpectGieCases(const std::filesystem::path& path, const TGieOperation& operation,
                     const TProjection& projection, double semiMajorAxis, int cases);
 
-// One operation of a .gie file for a catalogue projection built on an
-// ellipsoid (a, 1/f; 1/f 0 for a sphere) with a parameter set.
+// One .gie operation for a catalogue projection on an ellipsoid (1/f 0: a sphere).
 struct TGieRow {
   const char* kind;  // the catalogue name
   const char* file;  // below the test data folder
@@ -54,24 +48,18 @@ struct TGieRow {
 // ExpectGieCases for every row; a row whose file is missing is skipped.
 void ExpectGieRows(std::span<const TGieRow> rows);
 
+// An accept/expect pair with the tolerance last set before it; fromGeographic
+// when the first step of its operation names the geographic system.
 struct TGiePair {
   double accept[2] = {0, 0};  // lon lat in degrees, or easting northing in metres
   double expect[2] = {0, 0};
   double toleranceM = 0;
   int line = 0;  // of the "expect" line, for messages
-};
-
-struct TGieBlock {
-  std::string operation;  // continuation lines joined, blanks collapsed
   bool fromGeographic = false;
-  std::vector<TGiePair> pairs;
 };
 
-// The accept/expect pairs of every operation block, each with the tolerance
-// last set before it. geographicCodes: the "epsg:NNNN" texts of the
-// geographic systems; a block whose first step names one of them runs
-// geographic -> projected.
-bool ReadGieBlocks(const std::filesystem::path& file, const std::vector<std::string>& geographicCodes,
-                   std::vector<TGieBlock>& blocks, std::string& error);
+// Every pair of a file; geographicCode is the "epsg:NNNN" of the geographic system.
+bool ReadGiePairs(const std::filesystem::path& file, const std::string& geographicCode,
+                  std::vector<TGiePair>& pairs, std::string& error);
 
 }  // namespace velantis::test
