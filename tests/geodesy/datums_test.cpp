@@ -187,12 +187,9 @@ bool ProjMolodensky(const TDatum& from, const TDatum& to, double& lon, double& l
   return test::TProjReference(text).Apply(lon, lat);
 }
 
-// PROJ's Molodensky takes W² = 1 − e²·sin²φ; ours takes sin(φ²). With
-// ε = e²·|sin(φ²) − sin²φ| / (1 − e²), N moves by at most ε/2 of itself and
-// M by 3ε/2, so the latitude shift moves by at most 3ε of the size its terms
-// can reach, (|ΔX| + |ΔY| + |ΔZ| + |Δa| + a·|Δf|) / M, and the longitude
-// shift by ε of (|ΔX| + |ΔY|) / (N·cos φ); a tenth more for the second
-// order, 1e-12 rad for rounding. At 60 degrees the two must differ.
+// PROJ takes W² = 1 − e²·sin²φ, ours sin(φ²): with ε = e²·|sin(φ²) − sin²φ| / (1 − e²)
+// the latitude shift moves by at most 3ε of its terms' size over M, the longitude
+// shift by ε of (|ΔX| + |ΔY|) / (N·cos φ), plus a tenth. At 60 degrees they differ.
 TEST(Molodensky, AgreesWithProjWithinWhatTheSquaredLatitudeRuleExplains) {
   const std::pair<const TDatum*, const TDatum*> pairs[] = {
       {&kEuropean1950, &kWgs84}, {&kWgs84, &kEuropean1950}, {&kNad27, &kWgs84}, {&kTokyo, &kEuropean1950}};

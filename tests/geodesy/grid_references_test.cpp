@@ -13,11 +13,8 @@
 namespace velantis {
 namespace {
 
-// - Caister water tower (OS worked example): 651409.903, 313177.270 is TG 51409 13177.
-// - Ben Nevis summit: NN 166 712 (OS, "Using the National Grid"); Sullom Voe: HU396753.
-// - SV's south-west corner is the false origin; HP and JM hold the last squares.
-// - Ireland: the true origin N 000 500; Howth "O 285 376" (S. Stewart, "Information about
-//   Grid References"); "G 03 05", 3 km east and 5 km north of square G's corner.
+// OS: Caister (worked example), Ben Nevis and Sullom Voe ("Using the National Grid"),
+// the corner squares. Ireland: the true origin, Howth (S. Stewart), "G 03 05".
 TEST(GridReferences, PublishedOnesBothWays) {
   const test::TGridReferenceCase british[] = {
       {651409.903, 313177.270, 1, "TG 51409 13177", 651409, 313177},

@@ -62,11 +62,8 @@ double MaxShiftGradient(const TDatumSubRejilla& g) {
 
 class Ntv2AgainstProj : public testing::TestWithParam<const char*> {};
 
-// Points spread over the inside of the first sub-grid. The inverse subtracts
-// the shift found at the given point, where PROJ iterates to the point whose
-// forward shift lands there. They differ by the change of the shift over its
-// own length: |shift| times the steepest node-to-node gradient of the grid
-// (x2 covers the two components adding up), plus the forward tolerance.
+// Over the first sub-grid. Our inverse subtracts the shift found at the point where
+// PROJ iterates; they differ by at most 2·|shift|·(steepest node gradient).
 TEST_P(Ntv2AgainstProj, ForwardAgreesAndInverseStaysWithinTheOneStepBound) {
   VELANTIS_TESTDATA_OR_SKIP(path, fs::path("ntv2") / GetParam());
   TDatumFileNTV2 grid;
@@ -99,10 +96,8 @@ INSTANTIATE_TEST_SUITE_P(RealGrids, Ntv2AgainstProj,
                          testing::Values("BETA2007.gsb", "ntf_r93.gsb", "nzgd2kgrid0005.gsb", "100800401.gsb",
                                          "CHENyx06a.gsb"));
 
-// The official BeTA2007 control points (DHDN -> ETRS89, 1 mm), as published
-// with PROJ's DHDN_ETRS89.gie (its first, geographic block). Points given in
-// ETRS89 go back through the one-step inverse, held to the bound of the
-// iteration it leaves out.
+// The official BeTA2007 control points (PROJ's DHDN_ETRS89.gie, first block), 1 mm;
+// those given in ETRS89 go back through the one-step inverse, held to its bound.
 TEST(Ntv2, Beta2007ControlPoints) {
   VELANTIS_TESTDATA_OR_SKIP(vectors, "gie/DHDN_ETRS89.gie");
   VELANTIS_TESTDATA_OR_SKIP(gridPath, "ntv2/BETA2007.gsb");
@@ -137,10 +132,8 @@ TEST(Ntv2, Beta2007ControlPoints) {
   EXPECT_GE(checked, 30);
 }
 
-// Published cs2cs vectors: NTF -> RGF93 inside the grid, and a point of the
-// Canadian grid outside its child sub-grids (first sub-grid in file order).
-// Then the edges of ntf_r93 (41..52 N, 5.5 W..10 E): the northern and
-// western ones have no nodes beyond and fail, as points outside do.
+// Published cs2cs vectors (NTF -> RGF93; Canada outside the child sub-grids); the
+// edges of ntf_r93: the northern and western ones have no nodes beyond and fail.
 TEST(Ntv2, PublishedVectorsAndTheGridsEdges) {
   const std::tuple<const char*, double, double, double, double, double> cases[] = {
       {"ntf_r93.gsb", -5.4999, 51.9999, -5.501006458305, 51.999790470257, 1e-11},

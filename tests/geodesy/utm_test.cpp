@@ -40,10 +40,8 @@ std::string ProjUtm(const TDatum& d, const TZonaUTM& zone) {
   return text;
 }
 
-// The system's zone and band rules at their edges: the zone is truncated
-// toward zero and lowered once more for negative longitudes, so a negative
-// multiple of 6 degrees falls one zone west and ±180 compute as 61 and 0;
-// a band holds its upper bound. Kept as the system has them.
+// The zone is truncated toward zero and lowered once more for negative longitudes
+// (-6 falls one zone west, ±180 give 61 and 0); a band holds its upper bound.
 TEST(Utm, ZoneAndBandRules) {
   const std::pair<double, int> zones[] = {{0, 31},  {5.999, 31}, {6, 32},    {-0.5, 30},  {-6, 29},
                                           {-174, 1}, {179.9, 60}, {180, 61}, {-180, 0}};
@@ -154,10 +152,8 @@ TEST(Utm, InverseLimits) {
   }
 }
 
-// With a datum change: PROJ's Molodensky then utm, near the equator where
-// the system's W² = 1 − e²·sin(φ²) and PROJ's 1 − e²·sin²φ differ by under
-// e²·φ⁴/3 (micrometres below 6 degrees); 5 mm for the projection. Inverting
-// equals inverting then shifting.
+// A datum change: PROJ's Molodensky then utm near the equator (where sin(φ²) and
+// sin²φ part by micrometres), 5 mm; inverting equals inverting then shifting.
 TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
   TFixture f;
   const TDatum& ed50 = *f.list.Get(kEd50);
@@ -185,11 +181,8 @@ TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
   }
 }
 
-// UtmToUtm: on the same datum (by index or through −1, the configured one)
-// the position is left as it is, even one the conversion would refuse;
-// 45N 6.0008E on ED50 is zone 32 and lies west of 6 degrees on WGS 84: zone
-// 31; a refused position stays as it was. The forced zone: 8E 45N in zone
-// 31 (5 degrees from its meridian) against PROJ, and the forward's refusals.
+// UtmToUtm: the same datum (or −1, the configured one) leaves the position as it is;
+// 45N 6.0008E on ED50 (32T) is 31T on WGS 84; a refusal keeps it. A forced zone vs PROJ.
 TEST(Utm, UtmToUtmForcedZonesAndRefusals) {
   TFixture f;
   std::string message;

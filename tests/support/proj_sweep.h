@@ -42,17 +42,13 @@ struct TGridSpan {
   double latFrom, latTo, latStep;
 };
 
-// Projects every grid point with both and inverts PROJ's plane point with
-// ours, expecting no point refused by PROJ or by ours, our forward within
-// forwardMetres of PROJ's and our inverse within inverseDegrees of the start
-// (longitudes at a pole not counted). Returns the number of grid points.
+// Every grid point: no refusal, our forward within forwardMetres of PROJ's, our
+// inverse of PROJ's within inverseDegrees (not longitudes at a pole). Returns the count.
 int ExpectAgreesWithProj(const TProjection& projection, const std::string& projDefinition,
                          const TGridSpan& span, double forwardMetres = 0.001,
                          double inverseDegrees = 1e-8);
 
-// Forward of (lon, lat) within toleranceMetres of (x, y); inverse of (x, y)
-// within toleranceMetres of (lon, lat) on the ground (a sphere of radius a is
-// close enough to turn degrees into metres); our own round trip of (lon, lat)
+// Forward and inverse within toleranceMetres (on the ground), our own round trip
 // within roundTripMetres.
 void ExpectPublishedPoint(const TProjection& projection, double lon, double lat, double x, double y,
                           double toleranceMetres, double a, double roundTripMetres = 1e-6);
