@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "geodesy/mgrs_polar.h"
 #include "geodesy/transverse_mercator.h"
 
 namespace velantis {
@@ -98,16 +99,17 @@ bool ParseMgrs(std::string_view text, TMgrsReference& reference, std::string& me
   int zone = 0;
   while (pos < compact.size() && pos < 2 && std::isdigit(static_cast<unsigned char>(compact[pos])))
     zone = zone * 10 + (compact[pos++] - '0');
-  if (pos == 0 || zone < 1 || zone > 60) {
+  const bool polar = pos < compact.size() && IsMgrsPolarBand(compact[pos]);
+  if (polar && pos > 0) {
+    message = kMgrsPolarZoneError;
+    return false;
+  }
+  if (!polar && (pos == 0 || zone < 1 || zone > 60)) {
     message = kMgrsZoneError;
     return false;
   }
   const char band = pos < compact.size() ? compact[pos++] : 0;
-  if (band == 'A' || band == 'B' || band == 'Y' || band == 'Z') {
-    message = kMgrsPolarError;
-    return false;
-  }
-  if (LetterIndex(kMgrsBandLetters, band) < 0) {
+  if (!polar && LetterIndex(kMgrsBandLetters, band) < 0) {
     message = kMgrsBandError;
     return false;
   }
@@ -116,14 +118,21 @@ bool ParseMgrs(std::string_view text, TMgrsReference& reference, std::string& me
     return false;
   }
   const char column = compact[pos++], row = compact[pos++];
-  const int columnIndex = LetterIndex(kMgrsColumnLetters, column);
-  if (columnIndex < 0 || LetterIndex(kMgrsRowLetters, row) < 0) {
-    message = kMgrsSquareError;
-    return false;
-  }
-  if (columnIndex / kColumnsPerZone != (zone - 1) % kColumnSets) {
-    message = kMgrsColumnError;
-    return false;
+  if (polar) {
+    if (!PolarSquareLettersValid(band, column, row)) {
+      message = kMgrsSquareError;
+      return false;
+    }
+  } else {
+    const int columnIndex = LetterIndex(kMgrsColumnLetters, column);
+    if (columnIndex < 0 || LetterIndex(kMgrsRowLetters, row) < 0) {
+      message = kMgrsSquareError;
+      return false;
+    }
+    if (columnIndex / kColumnsPerZone != (zone - 1) % kColumnSets) {
+      message = kMgrsColumnError;
+      return false;
+    }
   }
   const std::string_view numbers = std::string_view(compact).substr(pos);
   for (const char c : numbers) {
@@ -156,10 +165,8 @@ bool LatLonToMgrs(const TLonLat& geo, const TDatum& ellipsoid, int digits, std::
     message = kMgrsPositionError;
     return false;
   }
-  if (geo.lat < kSouthernmostDeg || geo.lat >= kNorthernmostDeg) {
-    message = kMgrsPolarError;
-    return false;
-  }
+  if (geo.lat < kSouthernmostDeg || geo.lat >= kNorthernmostDeg)
+    return PolarLatLonToMgrs(geo, ellipsoid, digits, text, message);
   const int zone = MgrsZoneOfPosition(geo);
   int bandIndex = static_cast<int>(std::floor((geo.lat - kSouthernmostDeg) / kBandHeightDeg));
   if (bandIndex > kLastBandIndex) bandIndex = kLastBandIndex;
@@ -196,6 +203,10 @@ bool MgrsToUtm(std::string_view text, const TDatum& ellipsoid, TUtmPosition& utm
                std::string& message, bool centre) {
   TMgrsReference reference;
   if (!ParseMgrs(text, reference, message)) return false;
+  if (reference.zone == 0) {
+    message = kMgrsPolarUtmError;
+    return false;
+  }
   const TZonaUTM zone{static_cast<int8_t>(reference.zone), reference.band};
   const TTransverseMercator projection(ellipsoid, UtmZoneParams(zone));
 
@@ -237,6 +248,15 @@ bool MgrsToUtm(std::string_view text, const TDatum& ellipsoid, TUtmPosition& utm
 
 bool MgrsToLatLon(std::string_view text, const TDatum& ellipsoid, TLonLat& geo, std::string& message,
                   bool centre) {
+  TMgrsReference reference;
+  if (!ParseMgrs(text, reference, message)) return false;
+  if (reference.zone == 0) {
+    const double unit = Pow10(kMgrsMaxDigits - reference.digits);
+    const double half = centre ? unit / 2 : 0;
+    return PolarMgrsToLatLon(reference.band, reference.column, reference.row,
+                             reference.easting * unit + half, reference.northing * unit + half, ellipsoid,
+                             geo, message);
+  }
   TUtmPosition utm;
   if (!MgrsToUtm(text, ellipsoid, utm, message, centre)) return false;
   const TTransverseMercator projection(ellipsoid, UtmZoneParams(utm.zone));

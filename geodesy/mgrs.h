@@ -15,9 +15,9 @@
 // is zone 1, zone 32V is widened to 3°..12°E over southern Norway and
 // Svalbard (72°N..84°N) has only 31X, 33X, 35X and 37X.
 //
-// Polar areas (north of 84°N, south of 80°S, UPS letters "A", "B", "Y", "Z")
-// are not implemented: they need the polar stereographic grid, which nothing
-// else here uses; they are refused with kMgrsPolarError.
+// The polar areas (84°N and north, south of 80°S) are UPS squares with bands
+// "A", "B", "Y", "Z" and no zone number ("ZGC2677330125", "BAN0000000000"):
+// see mgrs_polar.h.
 //
 // References are written without blanks ("31TDF8123456789"), the zone
 // without a leading zero; they are read with or without blanks, in either
@@ -39,8 +39,8 @@ inline constexpr const char* kMgrsRowLetters = "ABCDEFGHJKLMNPQRSTUV";
 inline constexpr const char* kMgrsBandLetters = "CDEFGHJKLMNPQRSTUVWXX";
 inline constexpr int kMgrsMaxDigits = 5;  // 1 m
 
-inline constexpr const char* kMgrsPolarError =
-    "MGRS: polar areas (UPS, north of 84N or south of 80S) are not supported";
+inline constexpr const char* kMgrsPolarZoneError = "MGRS: a polar band (A, B, Y, Z) takes no zone number";
+inline constexpr const char* kMgrsPolarUtmError = "MGRS: a polar reference has no UTM position";
 inline constexpr const char* kMgrsPositionError = "MGRS: invalid latitude or longitude";
 inline constexpr const char* kMgrsPrecisionError = "MGRS: the precision must be 0 to 5 digits";
 inline constexpr const char* kMgrsZoneError = "MGRS: the zone number must be 1 to 60";
@@ -63,8 +63,9 @@ struct TMgrsReference {
   int northing = 0;
 };
 
-// Syntax only: zone 1..60, a UTM band letter, two square letters (the column
-// one of the zone's set), an even count of up to 10 digits.
+// Syntax only: zone 1..60 and a UTM band letter, or no zone and a polar band
+// letter (zone 0); two square letters of the zone's or polar band's sets; an
+// even count of up to 10 digits.
 bool ParseMgrs(std::string_view text, TMgrsReference& reference, std::string& message);
 
 // The reference of a position on the ellipsoid, truncated to `digits`.
@@ -73,6 +74,7 @@ bool LatLonToMgrs(const TLonLat& geo, const TDatum& ellipsoid, int digits, std::
 
 // A reference to UTM on the ellipsoid (zone, band letter of the reference,
 // easting and northing): the square's south-west corner, or its centre.
+// Polar references fail with kMgrsPolarUtmError.
 bool MgrsToUtm(std::string_view text, const TDatum& ellipsoid, TUtmPosition& utm,
                std::string& message, bool centre = false);
 

@@ -8,7 +8,7 @@ packages=(
   zlib1g-dev libminizip-dev libfreetype-dev libpugixml-dev libgeographiclib-dev
   libssl-dev libusb-1.0-0-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
-  libproj-dev proj-bin proj-data gdal-bin gpsd gpsd-clients gpsbabel
+  libproj-dev proj-bin proj-data gdal-bin gpsd gpsd-clients gpsbabel geographiclib-tools
 )
 
 missing=()

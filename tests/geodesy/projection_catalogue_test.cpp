@@ -1,41 +1,32 @@
+#include "geodesy/projection_catalogue.h"
+
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <map>
 
-#include "geodesy/projection_catalogue.h"
 #include "tests/geodesy/builtin_datums.h"
 
 namespace velantis {
 namespace {
 
-std::vector<std::string_view> Captions(const TProjectionKind& kind) {
-  std::vector<std::string_view> texts;
-  for (const auto& caption : kind.captions) texts.push_back(caption.text);
-  return texts;
-}
-
+// The program's own names and captions, a few kinds each way of writing.
 TEST(ProjectionCatalogue, NamesAndCaptionsAreTheProgramsOwn) {
   using V = std::vector<std::string_view>;
   const std::pair<const char*, V> cases[] = {
-      {"Transversal Mercator", {"Lon Origin", "Lat Origin", "False Northing", "False Easting", "Scale Factor"}},
       {"Transveral Mercator", {"Lon Origin", "Lat Origin", "False Northing", "False Easting", "Scale Factor"}},
       {"Lambert Conformal Conic",
        {"Latitude of Origin", "Longitud of Origin", "False Easting", "False Northing", "Scale Factor"}},
-      {"Lambert 2SP",
-       {"Lat Standard 1", "Lat Standard 2", "Origin Lat:", "Origin Lon:", "False Easting", "False Northing"}},
+      {"lambert 2sp", {"Lat Standard 1", "Lat Standard 2", "Origin Lat:", "Origin Lon:", "False Easting", "False Northing"}},
       {"(A)Lambert Azimuthual Equal Area", {"Latitude of Origin", "Longitud of Origin", "False Easting", "False Northing"}},
-      {"Oblique Stereographic",
-       {"Latitude of Origin", "Longitud of Origin", "False Easting", "False Northing", "Scale Factor"}},
-      {"Stereographic", {"Latitude of Origin", "Longitud of Origin", "False Easting", "False Northing"}},
       {"Polyconic", {"Lon Origin"}},
-      {"Lambert-93", {}},
       {"Swiss Grid", {}},
   };
   for (const auto& [name, captions] : cases) {
     const TProjectionKind* kind = FindProjectionKind(name);
     ASSERT_NE(kind, nullptr) << name;
-    EXPECT_EQ(Captions(*kind), captions) << name;
+    V texts;
+    for (const auto& caption : kind->captions) texts.push_back(caption.text);
+    EXPECT_EQ(texts, captions) << name;
   }
   EXPECT_EQ(FindProjectionKind("Robinson"), nullptr);
   std::string message;
@@ -43,36 +34,32 @@ TEST(ProjectionCatalogue, NamesAndCaptionsAreTheProgramsOwn) {
   EXPECT_EQ(message, "Projection not supported: UTM");
 }
 
+// Every plane kind builds on its datum from the built-in list and round
+// trips: the fixed grids at a point inside their area, the parametric kinds
+// a little off an origin at 45 N 10 E.
 TEST(ProjectionCatalogue, EveryPlaneKindBuildsOnItsDatumAndRoundTripsNearItsOrigin) {
   const auto dir = test::MakeDataFolder("projection-catalogue", {});
   int configured = 0;
   TListaDatums datums(configured);
   std::string error;
   ASSERT_TRUE(datums.Load(dir.string(), (dir / "user").string(), error)) << error;
-  // A point inside each fixed grid's area; the parametric kinds are tried a
-  // little off an origin at 45 N 10 E.
   const std::map<std::string_view, TLonLat> fixedGridPoints = {
-      {"France Lambert II", {2.5, 46.5}}, {"France Lambert III", {4, 44}},
-      {"France Lambert IV", {9, 42}},     {"Lambert 93", {3, 46.5}},
-      {"CH-1903", {7.4, 46.9}},           {"New Zealand Map Grid", {174, -41}},
-      {"TOP50", {174, -41}},              {"BGN (British National Grid)", {-1, 52}},
-      {"Irish Grid", {-7, 53.3}},
+      {"France Lambert II", {2.5, 46.5}}, {"France Lambert III", {4, 44}}, {"France Lambert IV", {9, 42}},
+      {"Lambert 93", {3, 46.5}},          {"CH-1903", {7.4, 46.9}},        {"New Zealand Map Grid", {174, -41}},
+      {"TOP50", {174, -41}},              {"BGN (British National Grid)", {-1, 52}}, {"Irish Grid", {-7, 53.3}},
   };
   int built = 0;
   for (const TProjectionKind& kind : ProjectionCatalogue()) {
     if (!kind.create) continue;
     const int datum = kind.fixedDatum.empty() ? 0 : datums.Find(kind.fixedDatum);
     ASSERT_GE(datum, 0) << kind.fixedDatum;
-    TProjectionParams params;
-    params.lonOrigin = 10, params.latOrigin = 45, params.lat1 = 40, params.lat2 = 50;
-    const auto projection = kind.create(*datums.Get(datum), params);
+    const auto projection = kind.create(*datums.Get(datum), {.lonOrigin = 10, .latOrigin = 45, .lat1 = 40, .lat2 = 50});
     const auto fixed = fixedGridPoints.find(kind.name);
     ASSERT_EQ(fixed != fixedGridPoints.end(), !kind.fixedDatum.empty()) << kind.name;
     const TLonLat geo = fixed != fixedGridPoints.end() ? fixed->second : TLonLat{10.3, 45.2};
     TLonLat back;
     TPlanePoint plane;
-    ASSERT_TRUE(projection->Forward(geo, plane, error)) << kind.name << ": " << error;
-    ASSERT_TRUE(projection->Inverse(plane, back, error)) << kind.name << ": " << error;
+    ASSERT_TRUE(projection->Forward(geo, plane, error) && projection->Inverse(plane, back, error)) << kind.name << error;
     EXPECT_NEAR(back.lat, geo.lat, 1e-8) << kind.name;
     EXPECT_NEAR(back.lon, geo.lon, 1e-8) << kind.name;
     ++built;

@@ -2,13 +2,15 @@
 
 #include <cctype>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 #include <gtest/gtest.h>
 
+#include "geodesy/projection_catalogue.h"
 #include "tests/support/proj_sweep.h"
+#include "tests/support/testdata.h"
 
 namespace velantis::test {
 
@@ -22,12 +24,6 @@ constexpr double kGieDefaultToleranceMetres = 0.0005;
 constexpr double kEpsgParisGrads = 2.5969213;
 constexpr double kDegreesPerGrad = 0.9;
 
-std::string Describe(const char* format, double a, double b, double c = 0, double d = 0) {
-  char text[256];
-  std::snprintf(text, sizeof text, format, a, b, c, d);
-  return text;
-}
-
 struct TCommand {
   std::string keyword;
   std::string args;
@@ -36,12 +32,9 @@ struct TCommand {
 
 std::string Collapse(const std::string& text) {
   std::istringstream words(text);
-  std::string word;
-  std::string result;
+  std::string word, result;
   while (words >> word) {
-    if (word == "\\") continue;
-    if (!result.empty()) result += ' ';
-    result += word;
+    if (word != "\\") result += (result.empty() ? "" : " ") + word;
   }
   return result;
 }
@@ -50,20 +43,17 @@ std::string Collapse(const std::string& text) {
 // joined to their command, comments and separator lines dropped.
 bool ReadCommands(const std::filesystem::path& path, std::vector<TCommand>& commands) {
   std::ifstream file(path);
-  if (!file) return false;
   std::string line;
   bool inside = false;
   for (int number = 1; std::getline(file, line); ++number) {
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.rfind("<gie", 0) == 0) {
-      inside = true;
+    if (line.rfind("<gie", 0) == 0 || line.rfind("</gie", 0) == 0) {
+      inside = line[1] != '/';
       continue;
     }
-    if (line.rfind("</gie", 0) == 0) inside = false;
-    if (!inside) continue;
     if (const size_t hash = line.find('#'); hash != std::string::npos) line.erase(hash);
     const std::string collapsed = Collapse(line);
-    if (collapsed.empty() || collapsed.find_first_not_of('-') == std::string::npos) continue;
+    if (!inside || collapsed.find_first_not_of('-') == std::string::npos) continue;
     if (std::isspace(static_cast<unsigned char>(line[0])) && !commands.empty()) {
       commands.back().args = Collapse(commands.back().args + ' ' + collapsed);
       continue;
@@ -72,20 +62,17 @@ bool ReadCommands(const std::filesystem::path& path, std::vector<TCommand>& comm
     commands.push_back({collapsed.substr(0, blank),
                         blank == std::string::npos ? "" : collapsed.substr(blank + 1), number});
   }
-  return true;
+  return static_cast<bool>(file.eof()) && !commands.empty();
 }
 
 // "0.1 mm", "50 nm", "1cm", "3e8" (metres when no unit is written).
 double ToleranceMetres(const std::string& args) {
+  static const std::map<std::string, double> kUnits = {
+      {"mm", 1e-3}, {"cm", 1e-2}, {"um", 1e-6}, {"nm", 1e-9}, {"km", 1e3}};
   size_t used = 0;
   const double value = std::stod(args, &used);
-  const std::string unit = Collapse(args.substr(used));
-  if (unit == "mm") return value * 1e-3;
-  if (unit == "cm") return value * 1e-2;
-  if (unit == "um") return value * 1e-6;
-  if (unit == "nm") return value * 1e-9;
-  if (unit == "km") return value * 1e3;
-  return value;
+  const auto unit = kUnits.find(Collapse(args.substr(used)));
+  return unit == kUnits.end() ? value : value * unit->second;
 }
 
 bool TwoNumbers(const std::string& args, double& first, double& second) {
@@ -108,95 +95,62 @@ bool RunGieOperation(const std::filesystem::path& path, const TGieOperation& ope
     error = "cannot read " + path.string();
     return false;
   }
-  bool found = false;
-  bool selected = false;
-  bool inverse = false;
-  double tolerance = kGieDefaultToleranceMetres;
-  double acceptX = 0, acceptY = 0;
-  bool haveAccept = false;
+  bool found = false, selected = false, inverse = false, haveAccept = false;
+  double tolerance = kGieDefaultToleranceMetres, acceptX = 0, acceptY = 0;
   std::string message;
-  const auto fail = [&](const TCommand& command, const std::string& what) {
-    report.failures.push_back(path.filename().string() + ":" + std::to_string(command.line) + ": " +
-                              what);
-  };
   for (const TCommand& command : commands) {
+    const auto fail = [&](const std::string& what) {
+      report.failures.push_back(path.filename().string() + ":" + std::to_string(command.line) + ": " + what);
+    };
+    const TLonLat acceptGeo = ToDegrees(acceptX, acceptY, operation.angles);
+    TPlanePoint plane;
+    TLonLat geo;
     if (command.keyword == "operation") {
       selected = command.args == operation.operation;
       found = found || selected;
       inverse = operation.isInverse;
       tolerance = kGieDefaultToleranceMetres;
       haveAccept = false;
+    } else if (!selected) {
       continue;
-    }
-    if (!selected) continue;
-    if (command.keyword == "direction") {
+    } else if (command.keyword == "direction") {
       inverse = (command.args == "inverse") != operation.isInverse;
     } else if (command.keyword == "tolerance") {
       tolerance = ToleranceMetres(command.args);
     } else if (command.keyword == "accept") {
       haveAccept = TwoNumbers(command.args, acceptX, acceptY);
-      if (!haveAccept) fail(command, "unreadable accept");
     } else if (command.keyword == "expect" && command.args.rfind("failure", 0) == 0) {
       ++report.cases;
       // Without an accept the operation itself is refused: any point fails.
-      TPlanePoint plane;
-      TLonLat geo;
-      const bool refused =
-          !haveAccept ? !projection.Forward({0, 0}, plane, message)
-          : inverse
-              ? !projection.Inverse({acceptX, acceptY}, geo, message)
-              : !projection.Forward(ToDegrees(acceptX, acceptY, operation.angles), plane, message);
-      if (!refused) fail(command, "expected a failure");
+      const bool refused = !haveAccept             ? !projection.Forward({0, 0}, plane, message)
+                           : inverse ? !projection.Inverse({acceptX, acceptY}, geo, message)
+                                     : !projection.Forward(acceptGeo, plane, message);
+      if (!refused) fail("expected a failure");
     } else if (command.keyword == "expect") {
       double wantX = 0, wantY = 0;
       if (!haveAccept || !TwoNumbers(command.args, wantX, wantY)) {
-        fail(command, "unreadable expect");
+        fail("unreadable accept or expect");
         continue;
       }
       ++report.cases;
-      if (inverse) {
-        TLonLat geo;
-        if (!projection.Inverse({acceptX, acceptY}, geo, message)) {
-          fail(command, "inverse refused: " + message);
-          continue;
-        }
-        const double off =
-            GroundMetres(geo, ToDegrees(wantX, wantY, operation.angles), semiMajorAxis);
-        if (!(off <= tolerance)) {
-          fail(command, Describe("inverse %.10f %.10f is %.6f m off (tolerance %g m)", geo.lon,
-                                 geo.lat, off, tolerance));
-        }
-      } else {
-        TPlanePoint plane;
-        if (!projection.Forward(ToDegrees(acceptX, acceptY, operation.angles), plane, message)) {
-          fail(command, "forward refused: " + message);
-          continue;
-        }
-        const double off = std::hypot(plane.x - wantX, plane.y - wantY);
-        if (!(off <= tolerance)) {
-          fail(command, Describe("forward %.6f %.6f is %.6f m off (tolerance %g m)", plane.x,
-                                 plane.y, off, tolerance));
-        }
+      if (inverse ? !projection.Inverse({acceptX, acceptY}, geo, message)
+                         : !projection.Forward(acceptGeo, plane, message)) {
+        fail("refused: " + message);
+      } else if (const double off = inverse ? GroundMetres(geo, ToDegrees(wantX, wantY, operation.angles),
+                                                           semiMajorAxis)
+                                            : std::hypot(plane.x - wantX, plane.y - wantY);
+                 !(off <= tolerance)) {
+        fail((inverse ? "inverse " : "forward ") + std::to_string(off) + " m off, tolerance " +
+             std::to_string(tolerance));
       }
-    } else if (command.keyword == "roundtrip") {
-      if (!haveAccept) continue;
+    } else if (command.keyword == "roundtrip" && haveAccept) {
       ++report.cases;
-      const int passes = std::stoi(command.args);
-      if (inverse) {
-        fail(command, "round trips from plane points are not supported");
-        continue;
-      }
-      const TLonLat start = ToDegrees(acceptX, acceptY, operation.angles);
-      TLonLat geo = start;
-      TPlanePoint plane;
-      bool ok = true;
-      for (int i = 0; i < passes && ok; ++i) {
+      geo = acceptGeo;
+      bool ok = !inverse;  // round trips start from geographic points here
+      for (int i = 0; i < std::stoi(command.args) && ok; ++i)
         ok = projection.Forward(geo, plane, message) && projection.Inverse(plane, geo, message);
-      }
-      const double drift = GroundMetres(geo, start, semiMajorAxis);
-      if (!ok || !(drift <= tolerance)) {
-        fail(command, Describe("round trip drifted %.9f m", drift, 0) + (ok ? "" : " " + message));
-      }
+      const double drift = GroundMetres(geo, acceptGeo, semiMajorAxis);
+      if (!ok || !(drift <= tolerance)) fail("round trip drifted " + std::to_string(drift) + " m " + message);
     }
   }
   if (!found) error = "no operation '" + operation.operation + "' in " + path.string();
@@ -212,43 +166,42 @@ void ExpectGieCases(const std::filesystem::path& path, const TGieOperation& oper
   for (const std::string& failure : report.failures) ADD_FAILURE() << failure;
 }
 
-bool ReadGieBlocks(const std::filesystem::path& file, const std::vector<std::string>& geographicCodes,
-                   std::vector<TGieBlock>& blocks, std::string& error) {
+void ExpectGieRows(std::span<const TGieRow> rows) {
+  for (const TGieRow& row : rows) {
+    SCOPED_TRACE(std::string(row.kind) + " " + row.file + " " + row.operation.operation);
+    VELANTIS_TESTDATA_OR_SKIP(path, row.file);
+    std::string error;
+    const auto projection = CreateProjection(row.kind, MakeEllipsoid(row.a, row.rf), row.params, error);
+    ASSERT_NE(projection, nullptr) << error;
+    ExpectGieCases(path, row.operation, *projection, row.a, row.cases);
+  }
+}
+
+bool ReadGiePairs(const std::filesystem::path& file, const std::string& geographicCode,
+                  std::vector<TGiePair>& pairs, std::string& error) {
   std::vector<TCommand> commands;
   if (!ReadCommands(file, commands)) {
     error = "cannot open " + file.string();
     return false;
   }
-  double tolerance = 0;
   TGiePair pending;
   bool havePending = false;
   for (const TCommand& command : commands) {
-    if (command.keyword == "operation") {
-      TGieBlock block;
-      block.operation = command.args;
-      const size_t second = block.operation.find("+step", block.operation.find("+step") + 1);
-      const std::string first = block.operation.substr(0, second);
-      for (const auto& code : geographicCodes)
-        if (first.find(code) != std::string::npos) block.fromGeographic = true;
-      blocks.push_back(block);
+    if (command.keyword == "operation") {  // the first step names the source system
+      const std::string& ops = command.args;
+      pending.fromGeographic = ops.substr(0, ops.find("+step", ops.find("+step") + 1)).find(geographicCode) != std::string::npos;
     } else if (command.keyword == "tolerance") {
-      tolerance = ToleranceMetres(command.args);
+      pending.toleranceM = ToleranceMetres(command.args);
     } else if (command.keyword == "accept") {
       havePending = TwoNumbers(command.args, pending.accept[0], pending.accept[1]);
-    } else if (command.keyword == "expect" && havePending && !blocks.empty()) {
-      if (TwoNumbers(command.args, pending.expect[0], pending.expect[1])) {
-        pending.toleranceM = tolerance;
-        pending.line = command.line;
-        blocks.back().pairs.push_back(pending);
-      }
+    } else if (command.keyword == "expect" && havePending && TwoNumbers(command.args, pending.expect[0], pending.expect[1])) {
+      pending.line = command.line;
+      pairs.push_back(pending);
       havePending = false;
     }
   }
-  if (blocks.empty()) {
-    error = "no operation in " + file.string();
-    return false;
-  }
-  return true;
+  if (pairs.empty()) error = "no accept/expect pair in " + file.string();
+  return !pairs.empty();
 }
 
 }  // namespace velantis::test

@@ -1,6 +1,4 @@
-// A reader of PROJ's .gie test files, and two ways to run their vectors
-// through a projection: the cases of one operation block as gie runs them,
-// or the accept/expect pairs of every block for a test to run itself.
+// PROJ's .gie test files: one operation's cases run as gie runs them, or the pairs read.
 #pragma once
 
 #include <filesystem>
@@ -8,11 +6,7 @@
 #include <string>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "geodesy/projection.h"
-#include "tests/support/proj_sweep.h"
-#include "tests/support/testdata.h"
 
 namespace velantis::test {
 
@@ -30,23 +24,20 @@ struct TGieReport {
   std::vector<std::string> failures;
 };
 
-// Runs every case of the matching operation blocks of a .gie file: expected
-// values within the file's tolerance (angles compared as metres on the ground,
-// as gie does), "expect failure" as a refusal, "roundtrip n" as n forward and
-// inverse passes drifting less than the tolerance. false and error when the
-// file cannot be read or holds no such operation.
+// Every case of the matching operation blocks: values within the tolerance (angles
+// as metres on the ground), "expect failure" refused, "roundtrip n" drifting less.
+// false and error when the file cannot be read or holds no such operation.
 bool RunGieOperation(const std::filesystem::path& path, const TGieOperation& operation,
                      const TProjection& projection, double semiMajorAxis, TGieReport& report,
                      std::string& error);
 
-// RunGieOperation on a file that must hold the operation: `cases` cases run,
-// none failing.
+// RunGieOperation: `cases` cases run, none failing.
 void ExpectGieCases(const std::filesystem::path& path, const TGieOperation& operation,
                     const TProjection& projection, double semiMajorAxis, int cases);
 
-// One operation of a .gie file for a projection built from an ellipsoid
-// (a, 1/f; 1/f 0 for a sphere) and a parameter set.
+// One .gie operation for a catalogue projection on an ellipsoid (1/f 0: a sphere).
 struct TGieRow {
+  const char* kind;  // the catalogue name
   const char* file;  // below the test data folder
   TGieOperation operation;
   double a, rf;
@@ -54,42 +45,21 @@ struct TGieRow {
   int cases;  // how many checks the operation holds, so that none is skipped unseen
 };
 
-// ExpectGieCases for every row (file, operation, a, cases), make(row)
-// building the projection; the test is skipped when a file is missing.
-template <typename TRow, typename TMake>
-void ExpectGieRows(std::span<const TRow> rows, TMake make) {
-  for (const TRow& row : rows) {
-    SCOPED_TRACE(std::string(row.file) + " " + row.operation.operation);
-    VELANTIS_TESTDATA_OR_SKIP(path, row.file);
-    ExpectGieCases(path, row.operation, make(row), row.a, row.cases);
-  }
-}
+// ExpectGieCases for every row; a row whose file is missing is skipped.
+void ExpectGieRows(std::span<const TGieRow> rows);
 
-template <typename TProjectionClass>
-void ExpectGieRows(std::span<const TGieRow> rows) {
-  ExpectGieRows(rows, [](const TGieRow& row) {
-    return TProjectionClass(MakeEllipsoid(row.a, row.rf), row.params);
-  });
-}
-
+// An accept/expect pair with the tolerance last set before it; fromGeographic
+// when the first step of its operation names the geographic system.
 struct TGiePair {
   double accept[2] = {0, 0};  // lon lat in degrees, or easting northing in metres
   double expect[2] = {0, 0};
   double toleranceM = 0;
   int line = 0;  // of the "expect" line, for messages
-};
-
-struct TGieBlock {
-  std::string operation;  // continuation lines joined, blanks collapsed
   bool fromGeographic = false;
-  std::vector<TGiePair> pairs;
 };
 
-// The accept/expect pairs of every operation block, each with the tolerance
-// last set before it. geographicCodes: the "epsg:NNNN" texts of the
-// geographic systems; a block whose first step names one of them runs
-// geographic -> projected.
-bool ReadGieBlocks(const std::filesystem::path& file, const std::vector<std::string>& geographicCodes,
-                   std::vector<TGieBlock>& blocks, std::string& error);
+// Every pair of a file; geographicCode is the "epsg:NNNN" of the geographic system.
+bool ReadGiePairs(const std::filesystem::path& file, const std::string& geographicCode,
+                  std::vector<TGiePair>& pairs, std::string& error);
 
 }  // namespace velantis::test
