@@ -82,38 +82,29 @@ TEST(TrackStatistics, AscentAndDescentUseTheHysteresis) {
   }
 }
 
-TEST(TrackStatistics, MovingTimeCountsLegsAtHalfAMetreASecond) {
-  // 3 legs of 110 m in 10 s (moving), 4 standing legs, one leg of 3 m in
-  // 10 s (0.3 m/s, drift), one of 6 m in 10 s (0.6 m/s, a slow walk).
-  const std::vector<TrkPnt> points = {
-      At(0, 0),   At(110, 10), At(220, 20), At(330, 30), At(330, 40), At(330, 50),
-      At(330, 60), At(330, 70), At(333, 80), At(339, 90),
-  };
-  const TTrackStatistics s = ComputeTrackStatistics(points, 0);
-  EXPECT_NEAR(s.movingTimeS, 40.0, 1e-5);
-  EXPECT_NEAR(s.durationS, 90.0, 1e-6);
-  EXPECT_NEAR(s.distanceM, 339.0, 1e-6);
-}
-
-TEST(TrackStatistics, MaxSpeedIsTakenOverFiveSeconds) {
-  // 10 m/s for 20 s with the fix at 10 s thrown 60 m ahead: the legs around
-  // it are 70 m and 50 m in one second; over five seconds the worst window
-  // holds 150 m (worked out by hand: cumulative 210 m at 11 s, 60 m at 6 s).
-  std::vector<TrkPnt> points;
-  for (int t = 0; t <= 20; ++t) points.push_back(At(t == 10 ? 160.0 : 10.0 * t, t));
-  const TTrackStatistics s = ComputeTrackStatistics(points, 0);
-  EXPECT_NEAR(s.maxSpeedKmh, 30.0 * kMsToKmh, 1e-4);
-  EXPECT_NEAR(s.distanceM, 300.0, 1e-6);
-}
-
-TEST(TrackStatistics, SegmentGapsAreNotTravelled) {
-  const std::vector<TrkPnt> points = {At(0, 0), At(100, 10), At(1000, 600, kAltitudeUnknownM, true), At(1100, 610)};
-  const TTrackStatistics s = ComputeTrackStatistics(points, 0);
-  EXPECT_NEAR(s.distanceM, 200.0, 1e-6);
-  EXPECT_NEAR(s.movingTimeS, 20.0, 1e-5);
-  EXPECT_NEAR(s.durationS, 610.0, 1e-6);
-  EXPECT_NEAR(s.maxSpeedKmh, 36.0, 1e-4);  // 10 m/s in each segment, never across the gap
-  const std::vector<double> cumulative = CumulativeDistances(points);
+// Moving time counts legs of half a metre a second and more; the top speed
+// is taken over five seconds; a new segment's gap is not travelled.
+TEST(TrackStatistics, DistanceTimesAndTopSpeed) {
+  // 3 legs of 110 m in 10 s, 4 standing legs, 3 m in 10 s (drift), 6 m in 10 s (a slow walk).
+  const std::vector<TrkPnt> walk = {At(0, 0),    At(110, 10), At(220, 20), At(330, 30), At(330, 40),
+                                    At(330, 50), At(330, 60), At(330, 70), At(333, 80), At(339, 90)};
+  // 10 m/s for 20 s with the fix at 10 s thrown 60 m ahead: over five
+  // seconds the worst window holds 150 m (210 m at 11 s, 60 m at 6 s).
+  std::vector<TrkPnt> glitch;
+  for (int t = 0; t <= 20; ++t) glitch.push_back(At(t == 10 ? 160.0 : 10.0 * t, t));
+  const std::vector<TrkPnt> gap = {At(0, 0), At(100, 10), At(1000, 600, kAltitudeUnknownM, true), At(1100, 610)};
+  const struct {
+    const std::vector<TrkPnt>& points;
+    double distance, moving, duration, maxKmh;
+  } cases[] = {{walk, 339, 40, 90, NAN}, {glitch, 300, 20, 20, 30 * kMsToKmh}, {gap, 200, 20, 610, 36}};
+  for (const auto& c : cases) {
+    const TTrackStatistics s = ComputeTrackStatistics(c.points, 0);
+    EXPECT_NEAR(s.distanceM, c.distance, 1e-6);
+    EXPECT_NEAR(s.movingTimeS, c.moving, 1e-5);
+    EXPECT_NEAR(s.durationS, c.duration, 1e-6);
+    if (!std::isnan(c.maxKmh)) EXPECT_NEAR(s.maxSpeedKmh, c.maxKmh, 1e-4);
+  }
+  const std::vector<double> cumulative = CumulativeDistances(gap);
   ASSERT_EQ(cumulative.size(), 4u);
   EXPECT_NEAR(cumulative[2], 100.0, 1e-6);
   EXPECT_NEAR(cumulative[3], 200.0, 1e-6);

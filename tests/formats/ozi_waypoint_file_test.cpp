@@ -175,50 +175,6 @@ TEST(OziWaypoints, PositionsShiftFromTheFileDatum) {
   EXPECT_NEAR(list.Baliza(0).Longitude(), expected.lon, 1e-9);
 }
 
-TEST(OziWaypoints, FailuresLeaveTheListAsItWas) {
-  int configured = 0;
-  TListaDatums datums(configured);
-  datums.Add(test::MakeDatum("WGS 84", test::kWgs84A, test::kWgs84Rf, 0, 0, 0));
-  TNativeOptions withList;
-  withList.datums = &datums;
-  const TNativeOptions withoutList;
-  const std::tuple<std::string, const TNativeOptions*, std::string_view> cases[] = {
-      {WaypointFile("1,A,1,2\r\n", "European 1950"), &withoutList, "Unknown datum: European 1950"},
-      {WaypointFile("1,A,1,2\r\n", "Potsdam"), &withList, "Unknown datum: Potsdam"},
-      {WaypointFile("1,A,1,2\r\n2,B,3\r\n"), &withoutList, "Error in WPT file"},
-      {WaypointFile("1,A,north,2\r\n"), &withoutList, "Error in WPT file"},
-  };
-  for (const auto& [bytes, options, expected] : cases) {
-    TWaypoints list;
-    list.Add(TBaliza());
-    std::string error;
-    EXPECT_FALSE(ReadOziWaypoints(bytes, *options, list, error)) << bytes;
-    EXPECT_EQ(error, expected);
-    EXPECT_EQ(list.Count(), 1u);
-    EXPECT_FALSE(list.FromOziExplorer());
-  }
-}
-
-TEST(OziWaypoints, ProgressCountsTheRecordsAndACancelStopsTheRead) {
-  const std::string bytes = WaypointFile("1,A,1,2\r\n2,B,3,4\r\n3,C,5,6\r\n");
-  TProgress progress;
-  TNativeOptions options;
-  options.progress = &progress;
-  EXPECT_EQ(ReadWaypoints(bytes, options).Count(), 3u);
-  EXPECT_EQ(progress.Total(), 3);
-  EXPECT_EQ(progress.Steps(), 3);
-
-  progress.Cancel();
-  TWaypoints list;
-  std::string error;
-  EXPECT_FALSE(ReadOziWaypoints(bytes, options, list, error));
-  EXPECT_EQ(error, kCancelledError);
-  EXPECT_EQ(list.Count(), 0u);
-  TRuta route;
-  EXPECT_FALSE(ReadOziRoute(RouteFile("R,0,X,,0\r\nW,0,1,1,A,1,2\r\n"), options, route, error));
-  EXPECT_EQ(error, kCancelledError);
-}
-
 TEST(OziRoute, FirstRouteAsGpsBabelDecodesIt) {
   VELANTIS_TESTDATA_OR_SKIP(path, "ozi/ozi.rte");
   // The first <rte> of ozi/ozi~gpx.gpx. GPSBabel's milliseconds stray from
@@ -273,23 +229,6 @@ TEST(OziRoute, OnlyTheFirstRouteIsRead) {
     EXPECT_EQ(route.Description(), c.description);
     ASSERT_EQ(route.Count(), c.points.size()) << c.name;
     for (size_t i = 0; i < c.points.size(); ++i) EXPECT_EQ(route.Point(i).baliza.Name(), c.points[i]);
-  }
-}
-
-TEST(OziRoute, Failures) {
-  const std::pair<std::string, std::string_view> cases[] = {
-      {RouteFile("\r\n\r\nW,0,1,1,A,1,2\r\n"), "No rte sections in this file!"},
-      {RouteFile("R,0,X\r\nW,0,1,1,A,1\r\n"), "Error in WPT file"},
-      {RouteFile("R,0,X\r\nW,0,1\r\n"), "Error in WPT file"},
-      {"OziExplorer Route File Version 1.0\r\nTokyo\r\n\r\n\r\nR,0,X\r\n", "Unknown datum: Tokyo"},
-  };
-  for (const auto& [bytes, expected] : cases) {
-    TRuta route;
-    route.SetName("kept");
-    std::string error;
-    EXPECT_FALSE(ReadOziRoute(bytes, {}, route, error)) << bytes;
-    EXPECT_EQ(error, expected);
-    EXPECT_EQ(route.Name(), "kept");
   }
 }
 
