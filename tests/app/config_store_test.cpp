@@ -293,6 +293,7 @@ TEST(ConfigStoreTest, SetGetAndWriteByName) {
   ASSERT_TRUE(config.WriteValue("Extra", "Anything", "free text", error));
   EXPECT_FALSE(config.WriteValue("Com", "Comm_NNEA_Timeout", "x", error));
   EXPECT_EQ(error, "Error In Config");
+  EXPECT_TRUE(config.WriteValue("Elsewhere", "Comm_NNEA_Timeout", "x", error)) << "another section's free text";
   EXPECT_EQ(config.Comm_NNEA_Timeout, 2200);
   EXPECT_EQ(config.KeyFile().Find("Com", "Comm_NNEA_Timeout"), "2200");
   ASSERT_TRUE(config.Save(error)) << error;

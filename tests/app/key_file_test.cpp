@@ -159,7 +159,7 @@ TEST(KeyFileTest, MissingFileIsEmptyAndAFailedSaveLeavesTheOldFile) {
   ASSERT_TRUE(file.Load(path.string(), error));
   ASSERT_TRUE(file.WriteProfileString("a", "k", "new"));
   EXPECT_FALSE(file.Save(path.string(), error));
-  EXPECT_FALSE(error.empty());
+  EXPECT_EQ(error, "Error creating " + path.string() + ".tmp");
   EXPECT_EQ(FileBytes(path), "[a]\r\nk=old\r\n");
 }
 
