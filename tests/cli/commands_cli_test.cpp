@@ -27,6 +27,11 @@ constexpr const char* kMap =
     "Velantis MAP File\r\n<Header>\r\nProjection=1,Lat/Long,\r\nCoordinates=1\r\nDatum=WGS 84\r\n</Header>\r\n"
     "<Map>\r\nBitmap=square.png\r\nBitmapWidth=1000\r\nBitmapHeight=1000\r\n</Map>\r\n<Calibration>\r\n"
     "P0=0,0,A,2,42\r\nP1=1000,0,A,3,42\r\nP2=0,1000,A,2,41\r\n</Calibration>\r\n";
+// A flight log: two fixes on the equator one degree apart an hour apart, and
+// a fix whose minutes are past 60 (skipped and counted).
+constexpr const char* kFlight =
+    "AXVLtest\r\nHFDTE050624\r\nB1000000000000N01000000EA0010000120\r\n"
+    "B1030000060001N01000000EA0010000120\r\nB1100000000000N01100000EA0010000120\r\n";
 
 TEST(Commands, EveryCommandAndErrorPath) {
   const auto dir = ScratchDir("cli-commands");
@@ -34,6 +39,8 @@ TEST(Commands, EveryCommandAndErrorPath) {
   const std::string ed50 = (dir / "ed50.trk").string();
   std::ofstream(track, std::ios::binary) << kTrack;
   std::ofstream(map, std::ios::binary) << kMap;
+  const std::string flight = (dir / "flight.IGC").string(), flightTrack = (dir / "flight.trk").string();
+  std::ofstream(flight, std::ios::binary) << kFlight;
   const struct {
     std::vector<std::string> args;
     std::string input;
@@ -86,6 +93,14 @@ TEST(Commands, EveryCommandAndErrorPath) {
       {{"convert", (dir / "none.trk").string(), ed50}, "", 1, "",
        "velantis: Error opening " + (dir / "none.trk").string() + "\n"},
       {{"convert", track, ed50, "--notation", "4"}, "", 2, "", "*"},
+      {{"info", flight}, "", 0, "kind: track\nname: \ncount: 2\nsegments: 1\nbad_records: 1\ndatum: WGS 84\n"
+       "notation: 0\nbounds: 0.000000000 10.000000000 0.000000000 11.000000000\n"
+       "start: 2024-06-05T10:00:00Z\nend: 2024-06-05T11:00:00Z\ndistance_m: 111319.491\n", ""},
+      {{"info", "--json", flight}, "", 0, "{\"kind\":\"track\",\"name\":\"\",\"count\":2,\"segments\":1,"
+       "\"bad_records\":1,\"datum\"...", ""},
+      {{"convert", flight, (dir / "copy.igc").string()}, "", 0, "", ""},
+      {{"convert", flight, flightTrack}, "", 0, "", ""},
+      {{"convert", flightTrack, (dir / "back.igc").string()}, "", 0, "", ""},
   };
   for (const auto& c : cases) {
     const TRunResult run = RunVelantis(c.args, c.input);
@@ -100,6 +115,12 @@ TEST(Commands, EveryCommandAndErrorPath) {
     }
     EXPECT_EQ(c.err == "*" ? run.err.substr(0, 10) : run.err, c.err == "*" ? "velantis: " : c.err);
   }
+  // A flight log copied to a flight log keeps its bytes; through a track file
+  // it keeps its fixes and gets our own header.
+  EXPECT_EQ(FileBytes(dir / "copy.igc"), kFlight);
+  EXPECT_EQ(FileBytes(dir / "back.igc"),
+            "AXVLVelantis\r\nHFDTEDATE:050624,01\r\nB1000000000000N01000000EA0010000120\r\n"
+            "B1100000000000N01100000EA0010000120\r\n");
 }
 
 TEST(Commands, OziExplorerWaypointsBecomeNative) {
