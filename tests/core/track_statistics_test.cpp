@@ -111,8 +111,7 @@ TEST(TrackStatistics, DistanceTimesAndTopSpeed) {
 
 // Real flights: the track distance against PROJ's geodesic inverse summed
 // over the same fixes (an independent implementation of the geodesic, the
-// one `geod -I` prints), the fix count and the duration against the test
-// data manifest. The flight logs are read by the IGC reader.
+// one `geod -I` prints). The flight logs are read by the IGC reader.
 TTrack ReadIgc(const std::filesystem::path& file) {
   TTrack track;
   std::string error;
@@ -121,26 +120,14 @@ TTrack ReadIgc(const std::filesystem::path& file) {
 }
 
 TEST(TrackStatistics, RealFlightDistancesAgreeWithProjGeod) {
-  const struct {
-    const char* file;
-    size_t fixes;
-    double hours, hoursTolerance;
-  } flights[] = {
-      {"igc/marcourt.igc", 221, 3.6 / 60, 0.1 / 60},  // 220 s; the manifest cuts 3.67 min to 3.6
-      {"igc/tri.igc", 4514, 1.25, 0.005},
-      {"igc/flat-xcontest-8.01.igc", 2735, 0.76, 0.005},
-      {"igc/d3p.igc", 2527, 3.5, 0.05},
-      {"igc/line.igc", 8528, 2.4, 0.05},
-      {"igc/9crx3101.igc", 7630, 3.55, 0.005},
-      {"igc/01lz1hq1.igc", 4960, 5.5, 0.05},
-  };
   geod_geodesic wgs84;
   geod_init(&wgs84, kWgs84SemiMajorM, 1 / 298.257223563);
-  for (const auto& flight : flights) {
-    SCOPED_TRACE(flight.file);
-    VELANTIS_TESTDATA_OR_SKIP(path, flight.file);
+  // Fix counts and durations against the manifest are the IGC reader's tests.
+  for (const char* file : {"igc/marcourt.igc", "igc/tri.igc", "igc/flat-xcontest-8.01.igc", "igc/d3p.igc",
+                           "igc/line.igc", "igc/9crx3101.igc", "igc/01lz1hq1.igc"}) {
+    SCOPED_TRACE(file);
+    VELANTIS_TESTDATA_OR_SKIP(path, file);
     TTrack track = ReadIgc(path);
-    ASSERT_EQ(track.Count(), flight.fixes);
     double reference = 0;
     for (size_t i = 1; i < track.Count(); ++i) {
       const TrkPnt &a = track.Point(i - 1), &b = track.Point(i);
@@ -152,7 +139,6 @@ TEST(TrackStatistics, RealFlightDistancesAgreeWithProjGeod) {
     const TTrackStatistics& s = track.Statistics();
     EXPECT_GT(reference, 500.0);
     EXPECT_NEAR(s.distanceM, reference, 1e-3 + reference * 1e-12);
-    EXPECT_NEAR(s.durationS / 3600.0, flight.hours, flight.hoursTolerance);
     EXPECT_LE(s.movingTimeS, s.durationS);
   }
 }
