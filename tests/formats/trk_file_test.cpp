@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "app/file_io.h"
 #include "tests/formats/element_samples.h"
 #include "tests/support/testdata.h"
@@ -58,6 +60,14 @@ TEST(TrkFile, WritesTheDocumentedLines) {
   EXPECT_EQ(static_cast<size_t>(track.ZLinePosition()), bytes.find("0000000002"));
 }
 
+// The track's own fields but its time offset, which is compared in days.
+auto Header(const TTrack& t) {
+  std::string texts;
+  for (const char letter : kTrackTextLetters) texts += t.Text(letter) + '\n';
+  return std::tuple(t.Name(), t.Description(), texts, t.Colour(), t.Drawing(), t.EValues(), t.HasTimeOffset(),
+                    t.MarkedPairs(), *t.Properties());
+}
+
 TEST(TrkFile, RoundTripsEveryField) {
   int configured = 0;
   TListaDatums datums(configured);
@@ -76,17 +86,9 @@ TEST(TrkFile, RoundTripsEveryField) {
       std::string error;
       ASSERT_TRUE(ReadTrk(first, options, back, error)) << error;
       EXPECT_EQ(static_cast<size_t>(back.ZLinePosition()), first.find("z  ") + 3);
-      EXPECT_EQ(back.Name(), track.Name());
-      EXPECT_EQ(back.Description(), track.Description());
-      for (const char letter : kTrackTextLetters) EXPECT_EQ(back.Text(letter), track.Text(letter)) << letter;
-      EXPECT_EQ(back.Colour(), track.Colour());
-      EXPECT_EQ(back.Drawing(), track.Drawing());
-      EXPECT_EQ(back.EValues(), track.EValues());
-      EXPECT_EQ(back.HasTimeOffset(), track.HasTimeOffset());
-      EXPECT_DOUBLE_EQ(back.TimeOffsetDays(), track.TimeOffsetDays());
-      EXPECT_EQ(back.MarkedPairs(), track.MarkedPairs());
       ASSERT_NE(back.Properties(), nullptr);
-      EXPECT_EQ(*back.Properties(), *track.Properties());
+      EXPECT_TRUE(Header(back) == Header(track));
+      EXPECT_DOUBLE_EQ(back.TimeOffsetDays(), track.TimeOffsetDays());
       ASSERT_EQ(back.Count(), track.Count());
       const double tolerance = 0.1 / 3600 / 2 + 1e-12;
       for (size_t i = 0; i < track.Count(); ++i) {
