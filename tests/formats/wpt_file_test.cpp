@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <thread>
+#include <tuple>
 
 #include "app/file_io.h"
 #include "formats/native_text.h"
@@ -100,24 +101,15 @@ TEST(WptFile, ReadsLinesOfOtherWriters) {
   ASSERT_TRUE(ReadWpt(file, TNativeOptions{}, list, error)) << error;
   ASSERT_EQ(list.Count(), 2u);
   const TBaliza& a = list.Baliza(0);
-  EXPECT_EQ(a.Name(), "");
   EXPECT_NEAR(a.Latitude(), 41.391667, 1e-6);
   EXPECT_NEAR(a.Longitude(), -2.175, 1e-9);
-  EXPECT_FALSE(a.HasAltitude());
-  EXPECT_EQ(a.Description(), "");
+  EXPECT_EQ(std::tuple(a.Name(), a.HasAltitude(), a.Description()), std::tuple("", false, ""));
   const TBaliza& b = list.Baliza(1);
-  EXPECT_EQ(b.Name(), "Pic del Pla");
-  EXPECT_EQ(b.Description(), "two words and");
-  EXPECT_FLOAT_EQ(b.Altitude(), 2000.25f);
-  EXPECT_EQ(b.DisplayMode(), 3);
-  EXPECT_TRUE(b.DisplayFlag3());
-  EXPECT_EQ(b.State(), 255 & ~kBalizaStateTransientBit);
-  EXPECT_EQ(b.ProximityRadius(), 12.5);
-  EXPECT_EQ(b.SizeByte(), kSizeByteUnset);
-  EXPECT_EQ(b.LabelFontStep(), 2);
-  EXPECT_EQ(b.LabelPlacement(), 2);
-  EXPECT_EQ(b.Symbol(), "late line for the same waypoint");
-  EXPECT_EQ(b.Label(), nullptr);
+  EXPECT_EQ(std::tuple(b.Name(), b.Description(), b.Altitude(), b.DisplayMode(), b.DisplayFlag3(), b.State(),
+                       b.ProximityRadius(), b.SizeByte(), b.LabelFontStep(), b.LabelPlacement(), b.Symbol(),
+                       b.Label() == nullptr),
+            std::tuple("Pic del Pla", "two words and", 2000.25f, 3, true, 255 & ~kBalizaStateTransientBit, 12.5,
+                       kSizeByteUnset, 2, 2, "late line for the same waypoint", true));
   EXPECT_FALSE(list.Modified());
 }
 
