@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 #include "app/file_io.h"
 #include "geodesy/lista_datums.h"
@@ -97,20 +98,13 @@ TEST(OziWaypoints, Samples) {
     for (const Expected& e : sample.points) {
       SCOPED_TRACE(std::string(sample.file) + " " + e.name);
       const TBaliza& b = list.Baliza(e.index);
-      EXPECT_EQ(b.Name(), e.name);
-      EXPECT_EQ(b.Description(), e.description);
+      EXPECT_EQ(std::tuple(b.Name(), b.Description(), b.HasAltitude(), b.Time().IsNull(), b.LabelColour1(),
+                           b.LabelColour2()),
+                std::tuple(e.name, e.description, !std::isnan(e.metres), e.days == 0, 0u, sample.colour2));
       EXPECT_NEAR(b.Latitude(), e.lat, kDegreeTolerance);
       EXPECT_NEAR(b.Longitude(), e.lon, kDegreeTolerance);
-      EXPECT_EQ(b.HasAltitude(), !std::isnan(e.metres));
-      if (b.HasAltitude()) {
-        EXPECT_NEAR(b.Altitude(), e.metres, sample.metresTolerance);
-      }
-      EXPECT_EQ(b.Time().IsNull(), e.days == 0);
-      if (e.days != 0) {
-        EXPECT_NEAR(b.Time().Days(), e.days, 1e-9);
-      }
-      EXPECT_EQ(b.LabelColour1(), 0x000000u);
-      EXPECT_EQ(b.LabelColour2(), sample.colour2);
+      if (b.HasAltitude()) EXPECT_NEAR(b.Altitude(), e.metres, sample.metresTolerance);
+      if (e.days != 0) EXPECT_NEAR(b.Time().Days(), e.days, 1e-9);
       EXPECT_NEAR(b.ProximityRadius(), sample.proximity, sample.proximity * 0.0025);
     }
   }
@@ -141,19 +135,11 @@ TEST(OziWaypoints, TextsColoursAndOptionalFields) {
     const TWaypoints list = ReadWaypoints(WaypointFile("\r\n" + std::string(c.record) + "\r\n \r\n"), options);
     ASSERT_EQ(list.Count(), 1u);  // blank lines skipped
     const TBaliza& b = list.Baliza(0);
-    EXPECT_EQ(b.Name(), c.name);
-    EXPECT_EQ(b.Description(), c.description);
-    EXPECT_EQ(b.LabelColour1(), c.colour1);
-    EXPECT_EQ(b.LabelColour2(), c.colour2);
-    EXPECT_EQ(b.HasAltitude(), !std::isnan(c.metres));
-    if (b.HasAltitude()) {
-      EXPECT_NEAR(b.Altitude(), c.metres, 1e-4);
-    }
-    EXPECT_TRUE(b.Time().IsNull());
-    EXPECT_TRUE(b.DisplayFlag3());
-    EXPECT_EQ(b.State() & kBalizaStateTransientBit, 0);
-    EXPECT_DOUBLE_EQ(b.Latitude(), 1);
-    EXPECT_DOUBLE_EQ(b.Longitude(), 2);
+    EXPECT_EQ(std::tuple(b.Name(), b.Description(), b.LabelColour1(), b.LabelColour2(), b.HasAltitude(),
+                         b.Time().IsNull(), b.DisplayFlag3(), b.State() & kBalizaStateTransientBit, b.Latitude(),
+                         b.Longitude()),
+              std::tuple(c.name, c.description, c.colour1, c.colour2, !std::isnan(c.metres), true, true, 0, 1.0, 2.0));
+    if (b.HasAltitude()) EXPECT_NEAR(b.Altitude(), c.metres, 1e-4);
   }
 }
 
