@@ -178,15 +178,12 @@ TEST(OziRoute, FirstRouteAsGpsBabelDecodesIt) {
   TRuta route;
   std::string error;
   ASSERT_TRUE(ReadOziRoute(test::FileBytes(path), {}, route, error)) << error;
-  EXPECT_EQ(route.Name(), "1 COSTANERO JA");
-  EXPECT_EQ(route.Description(), "");
-  EXPECT_TRUE(route.FromOziExplorer());
-  EXPECT_FALSE(route.Modified());
+  EXPECT_EQ(std::tuple(route.Name(), route.Description(), route.FromOziExplorer(), route.Modified()),
+            std::tuple("1 COSTANERO JA", "", true, false));
   ASSERT_EQ(route.Count(), std::size(expected));
   for (size_t i = 0; i < route.Count(); ++i) {
     const TBaliza& b = route.Point(i).baliza;
-    EXPECT_EQ(b.Name(), expected[i].name);
-    EXPECT_EQ(b.Description(), expected[i].description);
+    EXPECT_EQ(std::tuple(b.Name(), b.Description()), std::tuple(expected[i].name, expected[i].description));
     EXPECT_NEAR(b.Latitude(), expected[i].lat, kDegreeTolerance);
     EXPECT_NEAR(b.Longitude(), expected[i].lon, kDegreeTolerance);
     EXPECT_NEAR(b.Time().Days(), expected[i].time.Days(), kOneSecondInDays) << b.Name();
