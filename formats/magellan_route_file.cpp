@@ -111,7 +111,7 @@ bool ReadMagellanRoute(std::string_view bytes, const TNativeOptions& options, TR
     if (f[0] == kRouteSentence) ReadRouteMessage(f, count, found);
     return true;
   };
-  if (!ReadLines(bytes, options.progress, readLine, error)) return false;
+  if (!ReadLines(bytes, '$', options.progress, readLine, error)) return false;
   if (!found.found) {
     error = kNoRteSections;
     return false;

@@ -249,24 +249,30 @@ void TNativeReader::PropertyLine(std::string_view bytes, TPropertyList& properti
   properties.Set(Unescaped(text.substr(0, equals)), Unescaped(text.substr(equals + 1)));
 }
 
-bool ReadLines(std::string_view bytes, TProgress* progress,
-               const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error) {
-  ProgressSetTotal(progress, static_cast<int64_t>(bytes.size()));
-  return ReadLineRun(bytes, 0, progress, readLine, error);
+size_t CountRecordLines(std::string_view bytes, char letter, bool atLineStart) {
+  size_t count = atLineStart && !bytes.empty() && bytes.front() == letter;
+  for (size_t at = bytes.find('\n'); at != std::string_view::npos; at = bytes.find('\n', at + 1))
+    count += at + 1 < bytes.size() && bytes[at + 1] == letter;
+  return count;
 }
 
-bool ReadLineRun(std::string_view bytes, size_t base, TProgress* progress,
+bool ReadLines(std::string_view bytes, char recordLetter, TProgress* progress,
+               const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error) {
+  ProgressSetTotal(progress, static_cast<int64_t>(CountRecordLines(bytes, recordLetter)));
+  return ReadLineRun(bytes, 0, recordLetter, progress, readLine, error);
+}
+
+bool ReadLineRun(std::string_view bytes, size_t base, char recordLetter, TProgress* progress,
                  const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error) {
   TLineCursor lines(bytes);
   std::string_view line;
-  size_t counted = 0;
   while (lines.Next(line)) {
     if (!readLine(line, base + lines.Offset())) return false;
-    if (!ProgressStep(progress, static_cast<int64_t>(lines.Consumed() - counted))) {
+    if (!line.starts_with(recordLetter)) continue;
+    if (!ProgressStep(progress)) {
       error = kCancelledError;
       return false;
     }
-    counted = lines.Consumed();
   }
   return true;
 }

@@ -38,6 +38,7 @@ struct TNativeHeader {
   std::string codePage;  // "" when the file had no "B" line
   std::string datum = std::string(kWgs84Name);
   int notation = 0;
+  size_t badRecords = 0;  // records the reader skipped as unreadable (IGC)
 };
 
 struct TNativeOptions {
@@ -142,13 +143,18 @@ private:
 };
 
 // Runs readLine on every line of bytes (without its CR LF; offset is where
-// the line starts), counting progress in bytes. False with readLine's error,
-// or with kCancelledError when the progress object is cancelled.
-bool ReadLines(std::string_view bytes, TProgress* progress,
+// the line starts). Progress counts records, as the writers do: the total is
+// the number of lines that start with recordLetter, and each of them is one
+// step once read. False with readLine's error, or with kCancelledError when
+// the progress object is cancelled.
+bool ReadLines(std::string_view bytes, char recordLetter, TProgress* progress,
                const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error);
 // The same for a run of whole lines that starts at file offset base, when a
 // file is read piece by piece: the progress total is the caller's to set.
-bool ReadLineRun(std::string_view bytes, size_t base, TProgress* progress,
+bool ReadLineRun(std::string_view bytes, size_t base, char recordLetter, TProgress* progress,
                  const std::function<bool(std::string_view line, size_t offset)>& readLine, std::string& error);
+// The lines of bytes that start with letter; atLineStart: whether bytes[0]
+// starts a line (false for a piece of a file that cut a line).
+size_t CountRecordLines(std::string_view bytes, char letter, bool atLineStart = true);
 
 }  // namespace velantis

@@ -67,8 +67,6 @@ public:
   explicit TLineCursor(std::string_view bytes) : m_bytes(bytes) {}
   bool Next(std::string_view& line);
   size_t Offset() const { return m_lineStart; }
-  // The bytes read so far, for progress.
-  size_t Consumed() const { return m_next; }
 
 private:
   std::string_view m_bytes;

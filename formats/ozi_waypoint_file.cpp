@@ -71,15 +71,15 @@ uint32_t RgbOfColorRef(uint32_t colorRef) {
 }
 
 // The lines of an OziExplorer file after its four header lines, the datum
-// its second line names, and the progress over the bytes read.
+// its second line names, and the progress over the records: every line after
+// the header that is not blank is one record.
 class TOziLines {
 public:
   TOziLines(std::string_view bytes, const TNativeOptions& options)
-      : m_lines(bytes), m_options(options), m_reader(options) {
-    ProgressSetTotal(options.progress, static_cast<int64_t>(bytes.size()));
-  }
+      : m_lines(bytes), m_options(options), m_reader(options) {}
 
-  // Reads the header; fails with "Unknown datum: " + name.
+  // Reads the header and sets the progress total; fails with
+  // "Unknown datum: " + name.
   bool ReadHeader(std::string& error) {
     std::string_view datumName;
     std::string_view line;
@@ -87,6 +87,7 @@ public:
       if (number == kDatumLine) datumName = TrimBlanks(line);
     bool ok = true;
     m_reader.HeaderLine('G', datumName, ok, error);
+    ProgressSetTotal(m_options.progress, static_cast<int64_t>(RecordsLeft()));
     return ok;
   }
 
@@ -99,14 +100,10 @@ public:
     return false;
   }
 
-  // Counts the bytes read since the last step; false with the cancel error
-  // when the progress has been cancelled.
+  // Counts one record; false with the cancel error when the progress has
+  // been cancelled.
   bool Step(std::string& error) {
-    const size_t consumed = m_lines.Consumed();
-    if (ProgressStep(m_options.progress, static_cast<int64_t>(consumed - m_reported))) {
-      m_reported = consumed;
-      return true;
-    }
+    if (ProgressStep(m_options.progress)) return true;
     error = kCancelledError;
     return false;
   }
@@ -118,7 +115,13 @@ private:
   TLineCursor m_lines;
   const TNativeOptions& m_options;
   TNativeReader m_reader;
-  size_t m_reported = 0;
+
+  size_t RecordsLeft() const {
+    TOziLines rest = *this;
+    size_t count = 0;
+    for (std::string_view line; rest.Next(line);) ++count;
+    return count;
+  }
 };
 
 // The position fields, shifted from the file datum to WGS 84.

@@ -107,7 +107,7 @@ bool ReadRte(std::string_view bytes, const TNativeOptions& options, TRuta& route
   TNativeReader reader(options);
   TRteReadState state{read};
   const auto readLine = [&](std::string_view line, size_t) { return ReadLine(reader, line, state, error); };
-  if (!ReadLines(bytes, options.progress, readLine, error)) return false;
+  if (!ReadLines(bytes, 'W', options.progress, readLine, error)) return false;
   if (!state.haveRoute) {
     error = kNoRteSections;
     return false;

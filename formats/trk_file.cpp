@@ -318,18 +318,12 @@ private:
 constexpr size_t kReadChunk = size_t{1} << 20;
 constexpr size_t kMinReadChunk = size_t{1} << 12;
 
-// The lines of bytes that start with "T"; atLineStart: whether bytes[0]
-// starts a line.
-size_t CountPointLines(std::string_view bytes, bool atLineStart) {
-  size_t count = atLineStart && !bytes.empty() && bytes.front() == 'T';
-  for (size_t at = bytes.find('\n'); at != std::string_view::npos; at = bytes.find('\n', at + 1))
-    count += at + 1 < bytes.size() && bytes[at + 1] == 'T';
-  return count;
-}
+// The point record letter: the progress counts points, as the writer does.
+constexpr char kPointLetter = 'T';
 
 // The lines of an open file, each handed to state with its offset in the
 // file, as ReadLines does with a file's bytes (the same lines, offsets and
-// progress in bytes).
+// progress in points).
 bool ReadFileLines(std::FILE* file, const std::string& path, TProgress* progress, TTrkReadState& state,
                    std::string& error) {
   std::error_code ec;
@@ -337,20 +331,18 @@ bool ReadFileLines(std::FILE* file, const std::string& path, TProgress* progress
   const size_t chunk =
       ec ? kReadChunk : static_cast<size_t>(std::clamp<uintmax_t>(expected + 1, kMinReadChunk, kReadChunk));
   size_t points = 0;
-  int64_t size = 0;
   std::string window(chunk, '\0');
   bool atLineStart = true;
   for (size_t got = 0; (got = std::fread(window.data(), 1, window.size(), file)) > 0;) {
-    points += CountPointLines(std::string_view(window.data(), got), atLineStart);
+    points += CountRecordLines(std::string_view(window.data(), got), kPointLetter, atLineStart);
     atLineStart = window[got - 1] == '\n';
-    size += static_cast<int64_t>(got);
   }
   if (std::ferror(file) != 0 || std::fseek(file, 0, SEEK_SET) != 0) {
     error = "Error reading " + path;
     return false;
   }
   state.Reserve(points);
-  ProgressSetTotal(progress, size);
+  ProgressSetTotal(progress, static_cast<int64_t>(points));
   // window[0, kept) holds the start of a line not yet complete; windowStart
   // is the file offset of window[0]. The window only grows, doubling, for a
   // line longer than half of it.
@@ -367,7 +359,7 @@ bool ReadFileLines(std::FILE* file, const std::string& path, TProgress* progress
     // Whole lines only, unless the file has ended: its last line needs no LF.
     const size_t lastLf = std::string_view(window.data(), filled).rfind('\n');
     const size_t complete = got == 0 ? filled : lastLf == std::string_view::npos ? 0 : lastLf + 1;
-    if (!ReadLineRun(std::string_view(window.data(), complete), windowStart, progress, readLine, error)) return false;
+    if (!ReadLineRun(std::string_view(window.data(), complete), windowStart, kPointLetter, progress, readLine, error)) return false;
     if (got == 0) return true;
     kept = filled - complete;
     if (complete > 0) std::memmove(window.data(), window.data() + complete, kept);
@@ -404,9 +396,9 @@ bool ReadTrkFile(const std::string& path, const TNativeOptions& options, TTrack&
 bool ReadTrk(std::string_view bytes, const TNativeOptions& options, TTrack& track, std::string& error) {
   TTrack read;
   TTrkReadState state(options, read);
-  state.Reserve(CountPointLines(bytes, true));
+  state.Reserve(CountRecordLines(bytes, kPointLetter));
   const auto readLine = [&](std::string_view line, size_t offset) { return state.Line(line, offset, error); };
-  if (!ReadLines(bytes, options.progress, readLine, error)) return false;
+  if (!ReadLines(bytes, kPointLetter, options.progress, readLine, error)) return false;
   read.MarkAsSaved();
   track = std::move(read);
   return true;

@@ -26,7 +26,7 @@ std::string FileName(const std::string& name) {
 
 void WriteExtensionLine(TNativeWriter& writer, const TBaliza& b) {
   const int sizeField = b.SizeByte() == kSizeByteUnset ? -1 : 2 * b.SizeByte();
-  writer.Raw("w  ").Text(RemoveChars(b.Symbol(), kRemovedFromTexts)).Raw(",").Int(b.DisplayMode()).Raw(",");
+  writer.Raw("w ").Text(RemoveChars(b.Symbol(), kRemovedFromTexts)).Raw(",").Int(b.DisplayMode()).Raw(",");
   writer.Real(b.DisplayScale()).Raw(",").Unsigned(b.LabelColour1()).Raw(",").Unsigned(b.LabelColour2()).Raw(",");
   writer.Int(b.DisplayFlag3() ? 1 : 0).Raw(",").Unsigned(b.State()).Raw(",");
   writer.Text(RemoveChars(b.Link(), kRemovedFromTexts)).Raw(",").Real(b.ProximityRadius()).Raw(",0,");

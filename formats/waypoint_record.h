@@ -2,8 +2,8 @@
 // its extension line "w" and its text-label line "t".
 //
 //   W  NAME__ 41.391667ºN 2.175000ºE 05-JUN-24 13:07:00 123.000000 comment
-//   w  symbol,mode,scale,colour1,colour2,bit3,state,link,radius,0,size*2,nibble*10,bits67
-//   t  "label text",number,byte1,byte2,byte3, integer
+//   w symbol,mode,scale,colour1,colour2,bit3,state,link,radius,0,size*2,nibble*10,bits67
+//   t "label text",number,byte1,byte2,byte3, integer
 //
 // Names lose ",", CR, LF and "%", are padded with blanks to six characters
 // and have every blank written as "_" ("VOID" reads as an empty name);
@@ -31,7 +31,8 @@ bool WriteWaypointRecord(TNativeWriter& writer, const TBaliza& baliza, bool exte
 // A whole "W" line (letter included) into baliza, whose other fields stay.
 bool ReadWaypointLine(const TNativeReader& reader, std::string_view line, bool shiftDatum, TBaliza& baliza,
                       std::string& error);
-// The content of a "w" line (after "w ") into baliza.
+// The content of a "w" line (after "w ") into baliza. Earlier builds wrote
+// "w" with two blanks, as the stand-alone letters are; the reader takes both.
 void ReadExtensionLine(const TNativeReader& reader, std::string_view content, TBaliza& baliza);
 // The content of a "t" line into baliza's label; a line of fewer than five
 // fields is ignored.

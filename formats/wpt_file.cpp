@@ -61,7 +61,7 @@ bool ReadWpt(std::string_view bytes, const TNativeOptions& options, TWaypoints& 
   TNativeReader reader(options);
   TWptReadState state{read};
   const auto readLine = [&](std::string_view line, size_t) { return ReadLine(reader, line, state, error); };
-  if (!ReadLines(bytes, options.progress, readLine, error)) return false;
+  if (!ReadLines(bytes, 'W', options.progress, readLine, error)) return false;
   read.MarkAsSaved();
   list = std::move(read);
   return true;

@@ -1,3 +1,6 @@
+// The configuration store: its keys and defaults, loading (from "gps.ini",
+// the registry key or a secondary reader), byte-identical saves, and access
+// by key name.
 #include "app/config.h"
 
 #include <gtest/gtest.h>
@@ -8,206 +11,131 @@
 #include <map>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/config_registry.h"
+#include "app/file_io.h"
 #include "app/log.h"
-#include "tests/app/test_files.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
 namespace {
 
-using test::ReadBytes;
+using test::FileBytes;
 using test::ScratchDir;
-using test::WriteBytes;
+
+void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
+  std::string error;
+  ASSERT_TRUE(WriteFileAtomic(path.string(), bytes, error)) << error;
+}
 
 std::string Get(const TConfig& config, const std::string& key) {
-  std::string value;
-  std::string error;
+  std::string value, error;
   EXPECT_TRUE(config.GetByName(key, value, error)) << key << ": " << error;
   return value;
 }
 
-std::vector<std::string> WarningsNaming(const std::string& key) {
-  std::vector<std::string> found;
-  for (const TLogEntry& entry : TLog::Instance().Entries())
-    if (entry.kind == TLogKind::Warning && entry.text.find(key) != std::string::npos)
-      found.push_back(FormatLogEntry(entry));
-  return found;
-}
-
-TEST(ConfigStoreTest, DefaultsOfTheKeysOtherPartsRead) {
+TEST(ConfigStoreTest, EveryKeyHasItsDefaultAndOneSection) {
   const std::map<std::string, std::string> defaults = {
-      {"Path_EXE", ""},
-      {"num_idioma", "0"},
-      {"ActivatedLanguages", "111111111111111111111"},
-      {"ExecCommand_at_Start", ""},
-      {"Comm_NNEA_Timeout", "2000"},
-      {"Last_Autodetect_Protocol", "0"},
-      {"Num_Mensajes_NMEA_Error", "50"},
-      {"MINSatellitesPosition", "0"},
-      {"Use_Checksum_NMEA", "1"},
-      {"ChipGPS", "0"},
-      {"Comanda_NMEA_MovingMap", ""},
-      {"Recent_Datums", ""},
-      {"Recent_Symbols", ""},
-      {"Recent_Cities", ""},
-      {"Recent_Url_Maps", ""},
-      {"Velocidad", "10"},
-      {"Calidad_video", "1"},
-      {"Num_Datum", "0"},
-      {"Coordinate_Notation", "0"},
-      {"Altitude_Source", "0"},
-      {"Proximity_Mode", "0"},
-      {"Proximity_Radius", "50"},
-      {"Wpt_Scale_Display", "0"},
-      {"Default_Label_Color_Wpt", "0"},
-      {"Default_Label_Back_Color_Wpt", "16777215"},
-      {"File_Code_Page", "Windows-1252"},
+      {"Path_EXE", ""}, {"num_idioma", "0"}, {"ActivatedLanguages", "111111111111111111111"},
+      {"ExecCommand_at_Start", ""}, {"Comm_NNEA_Timeout", "2000"}, {"Last_Autodetect_Protocol", "0"},
+      {"Num_Mensajes_NMEA_Error", "50"}, {"MINSatellitesPosition", "0"}, {"Use_Checksum_NMEA", "1"},
+      {"ChipGPS", "0"}, {"Comanda_NMEA_MovingMap", ""}, {"Recent_Datums", ""}, {"Recent_Symbols", ""},
+      {"Recent_Cities", ""}, {"Recent_Url_Maps", ""}, {"Velocidad", "10"}, {"Calidad_video", "1"},
+      {"Num_Datum", "0"}, {"Coordinate_Notation", "0"}, {"Altitude_Source", "0"}, {"Proximity_Mode", "0"},
+      {"Proximity_Radius", "50"}, {"Wpt_Scale_Display", "0"}, {"Default_Label_Color_Wpt", "0"},
+      {"Default_Label_Back_Color_Wpt", "16777215"}, {"File_Code_Page", "Windows-1252"},
       {"Force_Extension_Lines", "0"},
   };
   const TConfig config;
   for (const auto& [key, value] : defaults) EXPECT_EQ(Get(config, key), value) << key;
   EXPECT_EQ(config.Comm_NNEA_Timeout, 2000);
-  EXPECT_TRUE(config.Use_Checksum_NMEA);
-  EXPECT_EQ(config.Velocidad, 10.0f);
   EXPECT_EQ(config.Default_Label_Back_Color_Wpt, 0xFFFFFFu);
-  // Every registered key is one the system names; none is missing from the list above.
   EXPECT_EQ(ConfigRegistrations().size(), defaults.size());
-}
 
-TEST(ConfigStoreTest, RegistrationTableIsConsistent) {
   const auto sections = ConfigSections();
   EXPECT_EQ(sections.size(), 36u);
   EXPECT_EQ(std::set<std::string_view>(sections.begin(), sections.end()).size(), sections.size());
   std::set<std::string> keys;
-  const TConfig defaults;
   for (const TConfigRegistration& registration : ConfigRegistrations()) {
     SCOPED_TRACE(std::string(registration.key));
     EXPECT_NE(std::find(sections.begin(), sections.end(), registration.section), sections.end());
     std::string lowered(registration.key);
     for (char& c : lowered) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     EXPECT_TRUE(keys.insert(lowered).second) << "registered twice";
-    // The stored form of every default reads back as the default.
-    EXPECT_TRUE(ConfigMemberEquals(defaults, registration, FormatConfigMember(defaults, registration)));
+    EXPECT_TRUE(ConfigMemberEquals(config, registration, FormatConfigMember(config, registration)));
   }
 }
 
-TEST(ConfigStoreTest, LoadConvertsPresentKeysAndDefaultsTheRest) {
+// Keys present convert (any letter case, blanks trimmed); a text that does
+// not convert keeps the default and logs one warning naming the key.
+TEST(ConfigStoreTest, LoadConvertsPresentKeysAndWarnsOfTheRest) {
   const auto dir = ScratchDir("config-load");
   const auto path = dir / "gps.ini";
   WriteBytes(path,
-             "[General]\r\nnum_idioma=3\r\nActivatedLanguages=0123456789abcdefghijklmnopqrstuvwxy\r\n"
-             "[Play]\r\nVelocidad=2.5\r\n"
-             "[Com]\r\nUSE_CHECKSUM_NMEA=0\r\nComanda_NMEA_MovingMap=\r\nChipGPS = 4 \r\n"
-             "[Coordenadas]\r\nRecent_Datums=WGS 84|European 1950\r\n"
-             "[Colores]\r\nDefault_Label_Color_Wpt=255\r\n");
+             "[General]\r\nnum_idioma=3\r\n[Play]\r\nVelocidad=10,5\r\n"
+             "[Com]\r\nUSE_CHECKSUM_NMEA=0\r\nComanda_NMEA_MovingMap=\r\nChipGPS = 4 \r\nComm_NNEA_Timeout=fast\r\n"
+             "[Coordenadas]\r\nRecent_Datums=WGS 84|European 1950\r\nCoordinate_Notation=4\r\n"
+             "[Colores]\r\nDefault_Label_Color_Wpt=255\r\nDefault_Label_Back_Color_Wpt=#FFF\r\n"
+             "[Tracks]\r\nAltitude_Source=-1\r\n");
+  TLog::Instance().ClearEntries();
   TConfig config;
   config.Comanda_NMEA_MovingMap = "RMC";  // must be replaced by the stored empty text
   std::string error;
   ASSERT_TRUE(config.Load(path.string(), error)) << error;
-  EXPECT_EQ(config.num_idioma, 3);
-  EXPECT_EQ(config.ActivatedLanguages, "0123456789abcdefghijklmnopqrstuvwxy");
-  EXPECT_EQ(config.Velocidad, 2.5f);
-  EXPECT_FALSE(config.Use_Checksum_NMEA);
-  EXPECT_EQ(config.Comanda_NMEA_MovingMap, "");
-  EXPECT_EQ(config.ChipGPS, 4);
-  EXPECT_EQ(config.Recent_Datums, (std::vector<std::string>{"WGS 84", "European 1950"}));
-  EXPECT_EQ(config.Default_Label_Color_Wpt, 255u);
-  EXPECT_EQ(config.Comm_NNEA_Timeout, 2000);  // not in the file
-  EXPECT_EQ(config.Num_Mensajes_NMEA_Error, 50);
-}
-
-TEST(ConfigStoreTest, MissingFileGivesTheDefaults) {
-  const auto dir = ScratchDir("config-missing");
-  TConfig config;
-  config.Comm_NNEA_Timeout = 1;
-  std::string error;
-  ASSERT_TRUE(config.Load((dir / "gps.ini").string(), error));
-  EXPECT_EQ(config.Comm_NNEA_Timeout, 2000);
-}
-
-TEST(ConfigStoreTest, UnreadableFileFails) {
-  const auto dir = ScratchDir("config-unreadable");
-  std::filesystem::create_directory(dir / "gps.ini");
-  TConfig config;
-  std::string error;
-  EXPECT_FALSE(config.Load((dir / "gps.ini").string(), error));
-  EXPECT_FALSE(error.empty());
-  EXPECT_EQ(config.Comm_NNEA_Timeout, 2000);
-}
-
-TEST(ConfigStoreTest, TextThatDoesNotConvertKeepsTheDefaultAndWarns) {
-  const auto dir = ScratchDir("config-bad");
-  const auto path = dir / "gps.ini";
-  struct TCase {
-    const char* section;
+  const struct {
     const char* key;
-    const char* text;
-    const char* defaultText;
-  };
-  const std::vector<TCase> cases = {
-      {"Com", "Comm_NNEA_Timeout", "fast", "2000"},   {"Com", "Use_Checksum_NMEA", "yes", "1"},
-      {"Play", "Velocidad", "10,5", "10"},            {"Colores", "Default_Label_Back_Color_Wpt", "#FFF", "16777215"},
-      {"Coordenadas", "Coordinate_Notation", "4", "0"}, {"Tracks", "Altitude_Source", "-1", "0"},
-  };
-  std::map<std::string, std::string> sections;  // one section of each name: the first would hide a second
-  for (const TCase& c : cases) sections[c.section] += std::string(c.key) + "=" + c.text + "\r\n";
-  std::string text;
-  for (const auto& [section, lines] : sections) text += "[" + section + "]\r\n" + lines;
-  WriteBytes(path, text);
-  TLog::Instance().ClearEntries();
-  TConfig config;
-  std::string error;
-  ASSERT_TRUE(config.Load(path.string(), error));
-  for (const TCase& c : cases) {
-    SCOPED_TRACE(c.key);
-    EXPECT_EQ(Get(config, c.key), c.defaultText);
-    const auto warnings = WarningsNaming(c.key);
-    ASSERT_EQ(warnings.size(), 1u);
-    EXPECT_EQ(warnings[0].rfind("Warning: ", 0), 0u) << warnings[0];
+    const char* value;
+    bool warned;  // the text did not convert: the default stays
+  } keys[] = {{"num_idioma", "3", false}, {"Use_Checksum_NMEA", "0", false}, {"Comanda_NMEA_MovingMap", "", false},
+              {"ChipGPS", "4", false}, {"Recent_Datums", "WGS 84|European 1950", false},
+              {"Default_Label_Color_Wpt", "255", false}, {"Num_Mensajes_NMEA_Error", "50", false},  // not in the file
+              {"Comm_NNEA_Timeout", "2000", true}, {"Velocidad", "10", true},
+              {"Default_Label_Back_Color_Wpt", "16777215", true}, {"Coordinate_Notation", "0", true},
+              {"Altitude_Source", "0", true}};
+  for (const auto& [key, value, warned] : keys) {
+    EXPECT_EQ(Get(config, key), value);
+    std::vector<std::string> warnings;
+    for (const TLogEntry& entry : TLog::Instance().Entries())
+      if (entry.kind == TLogKind::Warning && entry.text.find(key) != std::string::npos)
+        warnings.push_back(FormatLogEntry(entry));
+    ASSERT_EQ(warnings.size(), warned ? 1u : 0u) << key;
+    if (warned) EXPECT_EQ(warnings[0].rfind("Warning: ", 0), 0u) << warnings[0];
   }
+  // A missing file gives the defaults; one that cannot be read fails.
+  config.Comm_NNEA_Timeout = 1;
+  ASSERT_TRUE(config.Load((dir / "absent.ini").string(), error));
+  EXPECT_EQ(config.Comm_NNEA_Timeout, 2000);
+  std::filesystem::create_directory(dir / "folder.ini");
+  EXPECT_FALSE(config.Load((dir / "folder.ini").string(), error));
+  EXPECT_FALSE(error.empty());
 }
 
 const char* const kFullFile =
-    "; written by hand\r\n"
-    "[General]\r\n"
-    "Path_EXE=/opt/velantis/velantis\r\n"
-    "num_idioma = 2\r\n"
-    "ActivatedLanguages=111111111111111111110\r\n"
-    "ExecCommand_at_Start=\r\n"
-    "UnknownGeneral=keep me\r\n"
-    "\r\n"
-    "[Play]\r\n"
-    "Velocidad=10.000000\r\n"
+    "; written by hand\r\n[General]\r\nPath_EXE=/opt/velantis/velantis\r\nnum_idioma = 2\r\n"
+    "ActivatedLanguages=111111111111111111110\r\nExecCommand_at_Start=\r\nUnknownGeneral=keep me\r\n\r\n"
+    "[Play]\r\nVelocidad=10.000000\r\n"
     "[Balizas]\r\nProximity_Mode=1\r\nProximity_Radius=75.5\r\nWpt_Scale_Display=0\r\n"
     "[Colores]\r\nDefault_Label_Color_Wpt=255\r\nDefault_Label_Back_Color_Wpt=16777215\r\n"
     "[Coordenadas]\r\nNum_Datum=12\r\nCoordinate_Notation=2\r\nRecent_Datums=WGS 84|European 1950\r\n"
-    "[Iconos]\r\nRecent_Symbols=Flag|Summit\r\n"
-    "[Video]\r\nCalidad_video=0.75\r\n"
-    "[Com]\r\n"
-    "; the timeout is in ms\r\n"
+    "[Iconos]\r\nRecent_Symbols=Flag|Summit\r\n[Video]\r\nCalidad_video=0.75\r\n"
+    "[Com]\r\n; the timeout is in ms\r\n"
     "Comm_NNEA_Timeout=3000\r\nLast_Autodetect_Protocol=1\r\nNum_Mensajes_NMEA_Error=20\r\n"
     "MINSatellitesPosition=4\r\nUse_Checksum_NMEA=1\r\nChipGPS=4\r\nComanda_NMEA_MovingMap=RMC\r\n"
-    "[Tracks]\r\nAltitude_Source=1\r\n"
-    "[Internet]\r\nRecent_Url_Maps=http://a/?x=1%7C2\r\n"
+    "[Tracks]\r\nAltitude_Source=1\r\n[Internet]\r\nRecent_Url_Maps=http://a/?x=1%7C2\r\n"
     "[Files]\r\nFile_Code_Page=UTF-8\r\nForce_Extension_Lines=1\r\n"
-    "[Navigation]\r\nRecent_Cities=Lleida|Huesca\r\n"
-    "[SomebodyElse]\r\nx=1\r\n";
+    "[Navigation]\r\nRecent_Cities=Lleida|Huesca\r\n[SomebodyElse]\r\nx=1\r\n";
 
 TEST(ConfigStoreTest, LoadAndSaveKeepTheFileByteForByte) {
-  const auto dir = ScratchDir("config-identity");
-  const auto path = dir / "gps.ini";
+  const auto path = ScratchDir("config-identity") / "gps.ini";
   WriteBytes(path, kFullFile);
   TConfig config;
   std::string error;
   ASSERT_TRUE(config.Load(path.string(), error)) << error;
-  EXPECT_EQ(config.Velocidad, 10.0f);
   EXPECT_EQ(config.Recent_Url_Maps, (std::vector<std::string>{"http://a/?x=1|2"}));
   ASSERT_TRUE(config.Save(error)) << error;
-  EXPECT_EQ(ReadBytes(path), kFullFile);
-
+  EXPECT_EQ(FileBytes(path), kFullFile);
   // A changed member changes its own line and nothing else.
   config.Comm_NNEA_Timeout = 2500;
   config.Recent_Cities.insert(config.Recent_Cities.begin(), "Jaca");
@@ -215,14 +143,13 @@ TEST(ConfigStoreTest, LoadAndSaveKeepTheFileByteForByte) {
   std::string expected = kFullFile;
   expected.replace(expected.find("Comm_NNEA_Timeout=3000"), 22, "Comm_NNEA_Timeout=2500");
   expected.replace(expected.find("Recent_Cities=Lleida"), 20, "Recent_Cities=Jaca|Lleida");
-  EXPECT_EQ(ReadBytes(path), expected);
+  EXPECT_EQ(FileBytes(path), expected);
 }
 
 TEST(ConfigStoreTest, SaveAddsMissingKeysAndEveryTypeRoundTrips) {
   const auto dir = ScratchDir("config-roundtrip");
   const auto path = dir / "gps.ini";
-  const std::string userText = "; mine\r\n[Com]\r\nMyOwnKey=42\r\n\r\n[Elsewhere]\r\ny=2\r\n";
-  WriteBytes(path, userText);
+  WriteBytes(path, "; mine\r\n[Com]\r\nMyOwnKey=42\r\n\r\n[Elsewhere]\r\ny=2\r\n");
   TConfig config;
   std::string error;
   ASSERT_TRUE(config.Load(path.string(), error));
@@ -232,48 +159,150 @@ TEST(ConfigStoreTest, SaveAddsMissingKeysAndEveryTypeRoundTrips) {
   config.Use_Checksum_NMEA = false;
   config.Default_Label_Color_Wpt = 0xFF00000Fu;
   config.Recent_Url_Maps = {"http://t/{z}/{x}/{y}.png?a=b|c", "100%"};
-  config.Recent_Datums = {"WGS 84"};
   ASSERT_TRUE(config.Save(error)) << error;
-
-  const std::string saved = ReadBytes(path);
+  const std::string saved = FileBytes(path);
   EXPECT_EQ(saved.rfind("; mine\r\n[Com]\r\nMyOwnKey=42\r\nComm_NNEA_Timeout=2000\r\n", 0), 0u) << saved;
   EXPECT_NE(saved.find("\r\n\r\n[Elsewhere]\r\ny=2\r\n\r\n[General]\r\n"), std::string::npos) << saved;
   EXPECT_EQ(std::count(saved.begin(), saved.end(), '\n'), std::count(saved.begin(), saved.end(), '\r'));
-
   TConfig again;
   ASSERT_TRUE(again.Load(path.string(), error));
   for (const TConfigRegistration& registration : ConfigRegistrations())
     EXPECT_EQ(Get(again, std::string(registration.key)), Get(config, std::string(registration.key)))
         << registration.key;
   EXPECT_EQ(again.Velocidad, 1.0f / 3.0f);
-  // Saving what was just loaded changes nothing.
   ASSERT_TRUE(again.Save(error));
-  EXPECT_EQ(ReadBytes(path), saved);
-}
+  EXPECT_EQ(FileBytes(path), saved) << "saving what was just loaded changes nothing";
 
-TEST(ConfigStoreTest, FailedSaveLeavesTheOldFile) {
-  const auto dir = ScratchDir("config-atomic");
-  const auto path = dir / "gps.ini";
-  WriteBytes(path, "[Com]\r\nComm_NNEA_Timeout=3000\r\n");
-  TConfig config;
-  std::string error;
-  ASSERT_TRUE(config.Load(path.string(), error));
-  config.Comm_NNEA_Timeout = 10;
-  std::filesystem::create_directory(dir / "gps.ini.tmp");  // the temporary file cannot be made
-  EXPECT_FALSE(config.Save(error));
-  EXPECT_FALSE(error.empty());
-  EXPECT_EQ(ReadBytes(path), "[Com]\r\nComm_NNEA_Timeout=3000\r\n");
-}
-
-TEST(ConfigStoreTest, TextWithALineBreakIsNotSaved) {
-  const auto dir = ScratchDir("config-linebreak");
-  TConfig config;
-  std::string error;
-  ASSERT_TRUE(config.Load((dir / "gps.ini").string(), error));
-  config.ExecCommand_at_Start = "one\r\ntwo";
-  EXPECT_FALSE(config.Save(error));
+  // A text with a line break is not saved; a save that cannot make its
+  // temporary file leaves the old file.
+  again.ExecCommand_at_Start = "one\r\ntwo";
+  EXPECT_FALSE(again.Save(error));
   EXPECT_EQ(error, "Error In Config: ExecCommand_at_Start");
-  EXPECT_FALSE(std::filesystem::exists(dir / "gps.ini"));
+  again.ExecCommand_at_Start.clear();
+  again.Comm_NNEA_Timeout = 10;
+  std::filesystem::create_directory(dir / "gps.ini.tmp");
+  EXPECT_FALSE(again.Save(error));
+  EXPECT_FALSE(error.empty());
+  EXPECT_EQ(FileBytes(path), saved);
+}
+
+// A reader that serves a fixed map and records what it was asked.
+class TFakeReader : public TConfigReader {
+public:
+  explicit TFakeReader(std::map<std::pair<std::string, std::string>, std::string> values)
+      : m_values(std::move(values)) {}
+  bool Read(const std::string& section, const std::string& key, std::string& text) override {
+    asked.emplace_back(section, key);
+    const auto found = m_values.find({section, key});
+    if (found == m_values.end()) return false;
+    text = found->second;
+    return true;
+  }
+  std::vector<std::pair<std::string, std::string>> asked;
+
+private:
+  std::map<std::pair<std::string, std::string>, std::string> m_values;
+};
+
+TEST(ConfigStoreTest, RegistryModeAndTheSecondaryReader) {
+  const auto dir = ScratchDir("config-registry");
+  const std::string gpsIni = (dir / "gps.ini").string(), registry = (dir / "registry.ini").string();
+  WriteBytes(gpsIni, "[Com]\r\nComm_NNEA_Timeout=3000\r\nChipGPS=2\r\n[General]\r\nPath_EXE=/from/gps.ini\r\n");
+  WriteBytes(registry, "[SOFTWARE\\Velantis\\General]\r\nPath_EXE=/opt/velantis/bin/velantis\r\n"
+                       "[SOFTWARE\\Velantis\\Com]\r\nComm_NNEA_Timeout=1500\r\n"
+                       "[Com]\r\nChipGPS=9\r\n");  // not under the registry root: not the key
+  TFakeReader reader({{{"Com", "ChipGPS"}, "7"}, {{"Play", "Velocidad"}, "3.5"}});
+  TConfig config;
+  config.AttachSecondaryReader(&reader);
+  std::string error;
+  ASSERT_TRUE(config.Load(gpsIni, error));
+  EXPECT_EQ(config.ChipGPS, 7);
+  EXPECT_EQ(config.Velocidad, 3.5f);
+  EXPECT_EQ(config.Comm_NNEA_Timeout, 2000) << "gps.ini is not consulted";
+  EXPECT_EQ(reader.asked.size(), ConfigRegistrations().size());
+  EXPECT_EQ(reader.asked.front(), std::make_pair(std::string("General"), std::string("Path_EXE")));
+
+  // The registry key wins over the secondary reader, and is read again on
+  // each load.
+  reader.asked.clear();
+  config.SetMode(TConfigMode::Registry);
+  config.SetRegistryPath(registry);
+  ASSERT_TRUE(config.Load(gpsIni, error));
+  EXPECT_TRUE(reader.asked.empty());
+  EXPECT_EQ(config.Path_EXE, "/opt/velantis/bin/velantis");
+  EXPECT_EQ(config.Comm_NNEA_Timeout, 1500);
+  EXPECT_EQ(config.ChipGPS, 0) << "absent from the registry, whatever gps.ini says";
+  std::string text;
+  EXPECT_TRUE(config.ReadValue("General", "Path_EXE", text));
+  EXPECT_EQ(text, "/opt/velantis/bin/velantis");
+  EXPECT_FALSE(config.ReadValue("Com", "ChipGPS", text));
+  WriteBytes(registry, "[SOFTWARE\\Velantis\\Com]\r\nComm_NNEA_Timeout=1700\r\n");
+  config.LoadValues();
+  EXPECT_EQ(config.Comm_NNEA_Timeout, 1700);
+  config.SetRegistryPath((dir / "absent.ini").string());
+  config.LoadValues();
+  EXPECT_EQ(config.Comm_NNEA_Timeout, 2000);
+  EXPECT_EQ(config.Path_EXE, "");
+
+  config.SetMode(TConfigMode::KeyFile);
+  config.AttachSecondaryReader(nullptr);
+  ASSERT_TRUE(config.Load(gpsIni, error));
+  EXPECT_EQ(config.Comm_NNEA_Timeout, 3000);
+  EXPECT_EQ(config.ChipGPS, 2);
+}
+
+TEST(ConfigStoreTest, SetGetAndWriteByName) {
+  const struct {
+    const char* key;
+    const char* text;
+    bool accepted;
+    const char* readBack;
+  } cases[] = {
+      {"comm_nnea_timeout", "99", true, "99"},  // key names ignore letter case
+      {"Comm_NNEA_Timeout", "soon", false, "2000"},
+      {"Use_Checksum_NMEA", "7", true, "1"},
+      {"Velocidad", "fast", false, "10"},
+      {"Coordinate_Notation", "3", true, "3"},
+      {"Coordinate_Notation", "4", false, "0"},
+      {"Recent_Symbols", "Flag|Summit", true, "Flag|Summit"},
+      {"ExecCommand_at_Start", "Open a.wpt\r\nQuit", false, ""},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.key) + " = " + c.text);
+    TConfig config;
+    std::string error;
+    EXPECT_EQ(config.SetByName(c.key, c.text, error), c.accepted);
+    EXPECT_EQ(error, c.accepted ? "" : "Error In Config");
+    EXPECT_EQ(Get(config, c.key), c.readBack);
+  }
+  TConfig config;
+  std::string value = "untouched", error;
+  EXPECT_FALSE(config.GetByName("Comm_NMEA_Timeout", value, error));  // the key is spelled NNEA
+  EXPECT_EQ(error, "Wrong Config Property");
+  EXPECT_EQ(value, "untouched");
+  error.clear();
+  EXPECT_FALSE(config.SetByName("NoSuchKey", "1", error));
+  EXPECT_EQ(error, "Wrong Config Property");
+
+  // WriteValue stores the text and sets the member; a refused text changes neither.
+  const auto path = ScratchDir("config-write") / "gps.ini";
+  ASSERT_TRUE(config.Load(path.string(), error));
+  ASSERT_TRUE(config.WriteValue("com", "Use_Checksum_NMEA", "5", error));
+  EXPECT_EQ(config.KeyFile().Find("Com", "Use_Checksum_NMEA"), "1");
+  ASSERT_TRUE(config.WriteValue("Com", "Comm_NNEA_Timeout", "2200", error));
+  ASSERT_TRUE(config.WriteValue("Extra", "Anything", "free text", error));
+  EXPECT_FALSE(config.WriteValue("Com", "Comm_NNEA_Timeout", "x", error));
+  EXPECT_EQ(error, "Error In Config");
+  EXPECT_TRUE(config.WriteValue("Elsewhere", "Comm_NNEA_Timeout", "x", error)) << "another section's free text";
+  EXPECT_EQ(config.Comm_NNEA_Timeout, 2200);
+  EXPECT_EQ(config.KeyFile().Find("Com", "Comm_NNEA_Timeout"), "2200");
+  ASSERT_TRUE(config.Save(error)) << error;
+  TConfig again;
+  ASSERT_TRUE(again.Load(path.string(), error));
+  EXPECT_EQ(again.Comm_NNEA_Timeout, 2200);
+  std::string text;
+  EXPECT_TRUE(again.ReadValue("Extra", "Anything", text));
+  EXPECT_EQ(text, "free text");
 }
 
 }  // namespace

@@ -6,20 +6,10 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
 
 #include "tests/support/testdata.h"
 
 namespace velantis::test {
-
-namespace {
-
-std::string Slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
-
-}  // namespace
 
 namespace {
 
@@ -45,8 +35,8 @@ TRunResult Finish(pid_t pid, const std::string& out, const std::string& err) {
   int status = 0;
   waitpid(pid, &status, 0);
   result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  result.out = Slurp(out);
-  result.err = Slurp(err);
+  result.out = FileBytes(out);
+  result.err = FileBytes(err);
   return result;
 }
 

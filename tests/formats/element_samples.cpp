@@ -1,5 +1,7 @@
 #include "tests/formats/element_samples.h"
 
+#include <sstream>
+
 #include "app/file_io.h"
 #include "tests/support/testdata.h"
 
@@ -43,7 +45,7 @@ TBaliza SampleWaypoint(std::mt19937_64& random, const TBalizaDefaults& defaults,
   b.SetPosition(Uniform(random, -80, 80), Uniform(random, -179, 179));
   b.SetAltitude(static_cast<float>(Whole(random, -400, 8000)) + 0.5f);
   b.SetTime(SampleTime(random));
-  b.SetSymbol("Flag, Blue");
+  b.SetSymbol("Flag Blue");
   b.SetDisplayMode(Whole(random, 1, 7));
   b.SetDisplayScale(Whole(random, 1, 2000) * 0.5);
   b.SetLabelColour1(0x00FF00);
@@ -131,6 +133,47 @@ TTrack SampleTrack(std::mt19937_64& random, size_t count) {
     if (i % 4 == 2) track.EditPointProperties(i).Set("note", "n" + std::to_string(i));
   }
   return track;
+}
+
+namespace {
+
+void Put(std::ostream& out, const TPropertyList* properties) {
+  for (size_t i = 0; properties && i < properties->Count(); ++i)
+    out << '|' << properties->Item(i).first << '=' << properties->Item(i).second;
+}
+
+void Put(std::ostream& out, const TTextLabel* label) {
+  if (label == nullptr) return;
+  out << "|label " << label->text << ' ' << label->number << ' ' << label->small1 << ' ' << label->small2 << ' '
+      << label->byteValue << ' ' << label->integer << ' ' << label->real;
+  Put(out, &label->properties);
+}
+
+}  // namespace
+
+std::string KeptFields(const TBaliza& b) {
+  std::ostringstream out;
+  out.precision(17);
+  out << b.Name() << '|' << b.Description() << '|' << b.Altitude() << '|' << b.Time().Days() << '|' << +b.State()
+      << '|' << +b.SizeByte() << '|' << +b.DisplayFlags() << '|' << b.LabelFontStep() << '|' << b.DisplayScaleRaw()
+      << '|' << b.ProximityRadiusRaw() << '|' << b.LabelColour1Packed() << '|' << b.LabelColour2Packed() << '|'
+      << b.Symbol() << '|' << b.Link();
+  Put(out, b.Properties());
+  Put(out, b.Label());
+  return out.str();
+}
+
+std::string KeptFields(const TTrack& track, size_t i) {
+  const TrkPnt& p = track.Point(i);
+  std::ostringstream out;
+  out.precision(9);
+  out << p.altitude << '|' << p.altitudeBarometric << '|' << p.speedKmh << '|' << p.courseDeg << '|' << p.hdop << '|'
+      << p.satellites << '|' << p.accuracyM << '|' << +p.flags << '|' << +p.signedValue << '|' << +p.size << '|'
+      << +p.heartRateByte << '|' << +p.cadenceByte << '|' << +p.quarterUnitByte << '|' << +p.temperatureByte << '|'
+      << p.time.IsNull();
+  Put(out, track.PointProperties(i));
+  Put(out, track.PointLabel(i));
+  return out.str();
 }
 
 }  // namespace velantis::test

@@ -40,4 +40,9 @@ TRuta SampleRoute(std::mt19937_64& random, size_t count, const TBalizaDefaults& 
 // on some points.
 TTrack SampleTrack(std::mt19937_64& random, size_t count);
 
+// Every field a native file keeps, position and time excepted, as one text:
+// a round trip compares them all at once.
+std::string KeptFields(const TBaliza& b);
+std::string KeptFields(const TTrack& track, size_t point);
+
 }  // namespace velantis::test

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include <cstdlib>
 #include <fstream>
 #include <regex>
@@ -74,12 +76,10 @@ TEST(MagellanRoute, SentenceRules) {
   TRuta read;
   std::string error;
   ASSERT_TRUE(ReadRte(waypoints + route, TNativeOptions{}, read, error)) << error;
-  EXPECT_EQ(read.Name(), "Ascent");
   ASSERT_EQ(read.Count(), 3u);
-  EXPECT_DOUBLE_EQ(read.Point(0).baliza.Latitude(), 42.5);
-  EXPECT_DOUBLE_EQ(read.Point(0).baliza.Longitude(), 1.5);
-  EXPECT_FLOAT_EQ(read.Point(0).baliza.Altitude(), 30.48f);
-  EXPECT_EQ(read.Point(0).baliza.Description(), "first");
+  const TBaliza& first = read.Point(0).baliza;
+  EXPECT_EQ(std::tuple(read.Name(), first.Latitude(), first.Longitude(), first.Altitude(), first.Description()),
+            std::tuple("Ascent", 42.5, 1.5, 30.48f, "first"));  // 100 feet
   EXPECT_NEAR(read.Point(1).baliza.Latitude(), -42.258333333, 1e-9);
   EXPECT_NEAR(read.Point(1).baliza.Longitude(), -70.01, 1e-9);
   EXPECT_EQ(read.Point(2).baliza.Name(), "ONE");

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <numbers>
 #include <random>
+#include <tuple>
 
 #include "app/file_io.h"
 #include "geodesy/projection_catalogue.h"
@@ -52,12 +53,6 @@ protected:
   static inline TListaDatums s_datums{s_configured};
   static inline bool s_loaded = false;
 };
-
-std::string Bytes(const fs::path& path) {
-  std::string bytes, error;
-  EXPECT_TRUE(ReadWholeFile(path.string(), bytes, error)) << error;
-  return bytes;
-}
 
 // The file's lines without their CR LF.
 std::vector<std::string> Lines(const std::string& bytes) {
@@ -116,39 +111,28 @@ TEST_F(OziMapFile, SampleFilesSayWhatTheirLinesSay) {
   for (const TSample& s : samples) {
     SCOPED_TRACE(s.file);
     VELANTIS_TESTDATA_OR_SKIP(path, fs::path(kSampleFolder) / s.file);
-    const TMapCalibration map = Read(Bytes(path));
-    EXPECT_EQ(map.datum, s.datum);
+    const std::string bytes = test::FileBytes(path);
+    const TMapCalibration map = Read(bytes);
+    // The title and the image name keep their bytes (ozi3's title is cp1251).
+    EXPECT_EQ(map.name, Lines(bytes)[1]);
+    EXPECT_EQ(map.bitmap, Lines(bytes)[2]);
     EXPECT_TRUE(map.projection == (TMapProjection{std::string(s.projection), s.params, {}}))
         << map.projection.name;
     ASSERT_EQ(map.points.size(), s.points);
-    EXPECT_EQ(map.coordinates, s.mode);
     const TCalibrationPoint& p = map.points[0];
-    EXPECT_EQ(p.pixelX, s.first.pixelX);
-    EXPECT_EQ(p.pixelY, s.first.pixelY);
-    EXPECT_EQ(p.zone, s.first.zone);
+    EXPECT_EQ(std::tuple(map.datum, map.coordinates, map.bitmapWidth, map.bitmapHeight, map.polygonBitmap.size(),
+                         map.polygonCoords.size(), p.pixelX, p.pixelY, p.zone),
+              std::tuple(s.datum, s.mode, s.width, s.height, s.polygon, s.mode == LatLon ? s.polygon : 0,
+                         s.first.pixelX, s.first.pixelY, s.first.zone));
     EXPECT_NEAR(p.x, s.first.x, 1e-12);
     EXPECT_NEAR(p.y, s.first.y, 1e-12);
-    EXPECT_EQ(map.bitmapWidth, s.width);
-    EXPECT_EQ(map.bitmapHeight, s.height);
-    EXPECT_EQ(map.polygonBitmap.size(), s.polygon);
-    EXPECT_EQ(map.polygonCoords.size(), s.mode == LatLon ? s.polygon : 0);
   }
-}
-
-TEST_F(OziMapFile, TitlesAndImageNamesKeepTheirBytes) {
-  VELANTIS_TESTDATA_OR_SKIP(path, fs::path(kSampleFolder) / "ozi3.map");
-  const std::string bytes = Bytes(path);
-  const std::vector<std::string> lines = Lines(bytes);
-  const TMapCalibration map = Read(bytes);
-  EXPECT_EQ(map.name, lines[1]);  // cp1251 letters in the title
-  EXPECT_EQ(map.bitmap, lines[2]);
-  EXPECT_NE(map.name.find('\xD1'), std::string::npos);
 }
 
 // The tile's corners follow from the web Mercator tile formulas.
 TEST_F(OziMapFile, TileCornersMatchTheTileFormulas) {
   VELANTIS_TESTDATA_OR_SKIP(path, fs::path(kSampleFolder) / "9410_4633_14.map");
-  const TMapCalibration map = Read(Bytes(path));
+  const TMapCalibration map = Read(test::FileBytes(path));
   const double tiles = std::exp2(14);
   for (const TCalibrationPoint& p : map.points) {
     const double column = 9410 + p.pixelX / 256, row = 4633 + p.pixelY / 256;
@@ -168,7 +152,7 @@ TEST_F(OziMapFile, SetupParametersReproduceTheGridOfTheSameMap) {
     SCOPED_TRACE(geoFile);
     VELANTIS_TESTDATA_OR_SKIP(geoPath, fs::path(kSampleFolder) / geoFile);
     VELANTIS_TESTDATA_OR_SKIP(gridPath, fs::path(kSampleFolder) / gridFile);
-    const TMapCalibration geo = Read(Bytes(geoPath)), grid = Read(Bytes(gridPath));
+    const TMapCalibration geo = Read(test::FileBytes(geoPath)), grid = Read(test::FileBytes(gridPath));
     std::string message;
     const auto projection = CreateProjection(geo.projection.name,
                                              *s_datums.Get(s_datums.Find(geo.datum)),
@@ -194,7 +178,7 @@ TEST_F(OziMapFile, EverySampleRoundTripsExactly) {
   size_t files = 0;
   for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
     SCOPED_TRACE(entry.path().filename().string());
-    const TMapCalibration map = Read(Bytes(entry.path()));
+    const TMapCalibration map = Read(test::FileBytes(entry.path()));
     const std::string text = Write(map);
     const TMapCalibration back = Read(text);
     EXPECT_TRUE(back == map) << text;
@@ -222,7 +206,7 @@ TEST_F(OziMapFile, EverySampleRoundTripsExactly) {
 // The lines that carry no values are written as OziExplorer wrote them.
 TEST_F(OziMapFile, FixedLinesMatchTheSampleFile) {
   VELANTIS_TESTDATA_OR_SKIP(path, fs::path(kSampleFolder) / "ozi2.map");
-  const std::string bytes = Bytes(path);
+  const std::string bytes = test::FileBytes(path);
   const std::vector<std::string> original = Lines(bytes);
   const std::string text = Write(Read(bytes));
   const std::vector<std::string> written = Lines(text);
@@ -245,51 +229,50 @@ std::string MapText(std::string_view projection, std::initializer_list<std::stri
   return text + "Projection Setup,,,,,,,,,,\n";
 }
 
-TEST_F(OziMapFile, UtmGridPointsTakeTheirZoneAndHemisphere) {
-  const std::string text = MapText(
-      "(UTM) Universal Transverse Mercator",
-      {"Point01,xy, 10, 20,in, deg, , ,N, , ,E, grid, 33, 500000, 6200000,S",
-       "Point02,xy, 910, 20,in, deg, , ,N, , ,E, grid, 33, 509000.5, 6200000,S",
-       "Point03,xy, 50, 60,in, deg, , ,N, , ,E, grid, , 400000, 6200000,S"});  // no zone
-  const TMapCalibration map = Read(text);
-  EXPECT_EQ(map.coordinates, TCoordinateMode::Utm);
-  ASSERT_EQ(map.points.size(), 2u);
-  EXPECT_EQ(map.points[0].zone, "33M");
-  EXPECT_EQ(map.points[1].x, 509000.5);
-  ASSERT_TRUE(map.projection.zone);
-  EXPECT_EQ(map.projection.zone->zone, 33);
-  EXPECT_EQ(map.projection.zone->band, 'M');
-  const std::string written = Write(map);
-  EXPECT_NE(written.find(" 33,     500000,    6200000,S\r\n"), std::string::npos) << written;
-  EXPECT_TRUE(Read(written) == map);
-}
-
-// A UTM map calibrated in latitude/longitude keeps its zone through the
-// points' zone fields.
-TEST_F(OziMapFile, UtmLatLonMapKeepsItsZone) {
-  const TMapCalibration map = Read(MapText(
-      "(UTM) Universal Transverse Mercator",
-      {"Point01,xy, 10, 20,in, deg, 41, 30,N, 2, 10,E, grid, 31, , ,N",
-       "Point02,xy, 90, 20,in, deg, 41, 30,N, 2, 20,E, grid, , , ,N"}));
-  EXPECT_EQ(map.coordinates, TCoordinateMode::LatLon);
-  ASSERT_TRUE(map.projection.zone);
-  EXPECT_EQ(map.projection.zone->zone, 31);
-  EXPECT_EQ(map.projection.zone->band, 'N');
-  EXPECT_TRUE(Read(Write(map)) == map);
-}
-
-TEST_F(OziMapFile, MixedPointsKeepTheGridOnes) {
-  const TMapCalibration map = Read(MapText(
-      "Transverse Mercator",
-      {"Point01,xy, 1.5, 2,in, deg, 10, 30,N, 20, 0,W, grid, , 100, 200,N",
-       "Point02,xy, 3, 4,in, deg, 11, 30,N, 21, 0,W, grid, , , ,N",
-       "Point03,xy, 5, 6,in, deg, , ,N, , ,E, grid, , 300, 400,N",
-       "Point04,xy, -1, -1,in, deg, , ,N, , ,E, grid, , 500, 600,N"}));  // a place holder
-  EXPECT_EQ(map.coordinates, TCoordinateMode::Plane);
-  ASSERT_EQ(map.points.size(), 2u);
-  EXPECT_EQ(map.points[0].pixelX, 1.5);
-  EXPECT_EQ(map.points[1].x, 300);
-  EXPECT_NE(Write(map).find("Point01,xy,  1.5,    2,"), std::string::npos);
+// UTM grid points take their zone and hemisphere (a point without a zone
+// is dropped); a UTM map calibrated in degrees keeps its zone through the
+// zone fields; on mixed points the grid ones are kept, and a place holder
+// (-1, -1) is not a point.
+TEST_F(OziMapFile, PointFormsTheSamplesLack) {
+  using enum TCoordinateMode;
+  const struct {
+    const char* projection;
+    std::initializer_list<std::string_view> points;
+    TCoordinateMode mode;
+    size_t count;
+    int zone;           // 0: not looked at
+    const char* found;  // in the written text
+  } cases[] = {
+      {"(UTM) Universal Transverse Mercator",
+       {"Point01,xy, 10, 20,in, deg, , ,N, , ,E, grid, 33, 500000, 6200000,S",
+        "Point02,xy, 910, 20,in, deg, , ,N, , ,E, grid, 33, 509000.5, 6200000,S",
+        "Point03,xy, 50, 60,in, deg, , ,N, , ,E, grid, , 400000, 6200000,S"},
+       Utm, 2, 33, " 33,     500000,    6200000,S\r\n"},
+      {"(UTM) Universal Transverse Mercator",
+       {"Point01,xy, 10, 20,in, deg, 41, 30,N, 2, 10,E, grid, 31, , ,N",
+        "Point02,xy, 90, 20,in, deg, 41, 30,N, 2, 20,E, grid, , , ,N"},
+       LatLon, 2, 31, "Point02,xy,"},
+      {"Transverse Mercator",
+       {"Point01,xy, 1.5, 2,in, deg, 10, 30,N, 20, 0,W, grid, , 100, 200,N",
+        "Point02,xy, 3, 4,in, deg, 11, 30,N, 21, 0,W, grid, , , ,N",
+        "Point03,xy, 5, 6,in, deg, , ,N, , ,E, grid, , 300, 400,N",
+        "Point04,xy, -1, -1,in, deg, , ,N, , ,E, grid, , 500, 600,N"},
+       Plane, 2, 0, "Point01,xy,  1.5,    2,"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(*c.points.begin());
+    const TMapCalibration map = Read(MapText(c.projection, c.points));
+    EXPECT_EQ(map.coordinates, c.mode);
+    ASSERT_EQ(map.points.size(), c.count);
+    if (c.zone) {
+      ASSERT_TRUE(map.projection.zone.has_value());
+      EXPECT_EQ(map.projection.zone->zone, c.zone);
+      EXPECT_EQ(map.projection.zone->band, c.mode == Utm ? 'M' : 'N');
+    }
+    const std::string written = Write(map);
+    EXPECT_NE(written.find(c.found), std::string::npos) << written;
+    EXPECT_TRUE(Read(written) == map);
+  }
 }
 
 // Whatever the values, latitudes and longitudes come back exactly from one
@@ -316,7 +299,7 @@ TEST_F(OziMapFile, RandomPositionsComeBackExactly) {
 
 TEST_F(OziMapFile, UnreadableFilesAreRefused) {
   VELANTIS_TESTDATA_OR_SKIP(path, fs::path(kSampleFolder) / "ozi2.map");
-  const std::string bytes = Bytes(path);
+  const std::string bytes = test::FileBytes(path);
   std::string onePoint;
   for (const std::string& line : Lines(bytes)) {
     if (!line.starts_with("Point0") || line.starts_with("Point01")) onePoint += line + "\r\n";
