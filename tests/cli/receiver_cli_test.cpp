@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "tests/cli/run_velantis.h"
@@ -68,6 +69,39 @@ TEST(ReceiverCommands, NmeaFollowsATcpSourceUntilItCloses) {
   EXPECT_EQ(run.err, "velantis: Error, puerto cerrado! " + server.Address() + "\n");
 }
 
+TEST(ReceiverCommands, RefusedPortNamesTheSystemsReason) {
+  const TRunResult run = RunVelantis({"nmea", "/nonexistent/ttyVELANTIS"});
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.err,
+            "velantis: Error de Windows: /nonexistent/ttyVELANTIS lasterror= 2 (No such file or "
+            "directory)\n");
+}
+
+// A lost fix prints once, when it is lost, and without a position.
+TEST(ReceiverCommands, NmeaPrintsALostFixOnceWithoutPosition) {
+  const std::string capture = (ScratchDir("nmea-lost") / "lost.nmea").string();
+  std::ofstream(capture, std::ios::binary)
+      << kRmc << Sentence("GPRMC,123521,V,,,,,,,230394,,") << Sentence("GPRMC,123522,V,,,,,,,230394,,")
+      << Sentence("GPRMC,123523,A,4807.040,N,01131.010,E,022.4,084.4,230394,003.1,W");
+  const std::string valid20 =
+      "{\"time\":\"1994-03-23T12:35:20.000Z\",\"lat\":48.117333333,\"lon\":11.516833333,"
+      "\"alt\":null,\"speed_kmh\":41.485,\"course_deg\":84.4000,\"valid\":true,\"sats\":0,"
+      "\"hdop\":0}\n";
+  std::string valid23 = valid20;
+  valid23.replace(valid23.find(":20.000Z"), 8, ":23.000Z");
+  const TRunResult json = RunVelantis({"nmea", "--json", capture});
+  EXPECT_EQ(json.out, valid20 +
+                          "{\"time\":\"1994-03-23T12:35:21.000Z\",\"lat\":null,\"lon\":null,"
+                          "\"alt\":null,\"speed_kmh\":41.485,\"course_deg\":84.4000,"
+                          "\"valid\":false,\"sats\":0,\"hdop\":0}\n" +
+                          valid23);
+  const TRunResult text = RunVelantis({"nmea", capture});
+  EXPECT_EQ(text.out,
+            "1994-03-23T12:35:20.000Z 48.117333333 11.516833333 - 41.485 84.4000 valid 0 0\n"
+            "1994-03-23T12:35:21.000Z - - - 41.485 84.4000 invalid 0 0\n"
+            "1994-03-23T12:35:23.000Z 48.117333333 11.516833333 - 41.485 84.4000 valid 0 0\n");
+}
+
 }  // namespace
 }  // namespace velantis::test
 
@@ -128,6 +162,7 @@ TEST(ReceiverCommands, LiveRecordsTheTrackAcrossAReconnectionAndAKill) {
               std::string::npos)
         << track;
     EXPECT_NE(track.find("\nm  1994-03-23 12:35:00|1994-03-23 12:35:11"), std::string::npos);
+    EXPECT_NE(track.find("\nU  1\r\n"), std::string::npos) << track;  // whatever is configured
     if (signal == SIGINT) {
       EXPECT_EQ(run.exitCode, 0) << run.err;
       EXPECT_EQ(CountLines("\n" + run.out, "1994-03-23T12:35:"), 10u) << run.out;

@@ -79,7 +79,7 @@ TEST(NmeaLiveHandler, LogGetsEveryParsedLineAndChecksumErrors) {
   handler.Handle(kUnknown, record);
   const std::vector<std::string> expected = {
       kGga.substr(0, kGga.size() - 2),
-      wrong.substr(0, wrong.size() - 2) + " ChecksumError!",
+      wrong.substr(0, wrong.size() - 2) + "ChecksumError!",
       kUnknown.substr(0, kUnknown.size() - 2),
   };
   EXPECT_EQ(log, expected);

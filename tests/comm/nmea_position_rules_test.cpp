@@ -37,7 +37,9 @@ std::string Rmc(std::string_view status, std::string_view date = "230394",
 
 TEST(NmeaGgaRule, PublishedSentence) {
   TPosicionNMEA record = RecordAtTestNow();
-  ASSERT_TRUE(ApplyGgaRule(Parsed(Gga("1")), record, {}));
+  const std::string line = Gga("1");
+  ASSERT_TRUE(ApplyGgaRule(Parsed(line), record, {}));
+  EXPECT_EQ(record.rawSentence, line.substr(0, line.size() - 2));  // GGA is a position sentence too
   EXPECT_TRUE(record.valid);
   EXPECT_FALSE(record.differential);
   EXPECT_DOUBLE_EQ(record.lat, kPublishedLat);

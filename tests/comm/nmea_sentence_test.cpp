@@ -118,7 +118,8 @@ TEST(NmeaSentence, ParseTable) {
       {"line feeds and returns inside the body are dropped",
        "$GPVTG,054.7,T,034\r\n.4,M,005.5,N,010.2,K*48\n", true, "", "VTG", "GPVTG", 9, "48", true},
       {"dollar alone", "$\r\n", true, "", "", "", 1, "", false},
-      {"asterisk right after the dollar", "$*00\r\n", true, "", "", "", 1, "00", true},
+      {"asterisk right after the dollar is text", "$*00\r\n", true, "", "*00", "*00", 1, "",
+       false},
       {"empty line", "", false, kNmeaErrorNoDollar, "", "", 0, nullptr, false},
   };
   for (const TParseCase& c : cases) {

@@ -15,8 +15,9 @@ TEST(SerialError, TextIsCodeThenDetailThenLastError) {
   const TCase cases[] = {
       {0, "", 0, "Ya conectado"},
       {1, "", 0, ""},
-      {2, "open /dev/ttyUSB0", 13, "Error de Windows: open /dev/ttyUSB0 lasterror= 13"},
-      {3, "", 5, "Error en la recepcion lasterror= 5"},
+      {2, "/dev/ttyUSB0", 2,
+       "Error de Windows: /dev/ttyUSB0 lasterror= 2 (No such file or directory)"},
+      {3, "", 5, "Error en la recepcion lasterror= 5 (Input/output error)"},
       {4, "COM3", 0, "Error, puerto cerrado! COM3"},
       {5, "", 0, "Error, en la transmision!"},
       {6, "", 0, "Error default"},
