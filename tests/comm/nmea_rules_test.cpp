@@ -172,7 +172,7 @@ TEST(NmeaFields, TimesDatesAnglesAndNumbers) {
     EXPECT_TRUE(ParseNmeaDate(text, value)) << text;
     EXPECT_EQ(TDateTime::FromDays(value), date) << text;
   }
-  for (const std::string_view bad : {"290223", "290297", "310424", "001224", "011324", "01018a"})
+  for (const std::string_view bad : {"290223", "290297", "321024", "310424", "001224", "011324", "01018a"})
     EXPECT_FALSE(ParseNmeaDate(bad, value)) << bad;
   EXPECT_TRUE(ParseNmeaLatitude("9000.000", "n", value) && value == 90);
   EXPECT_TRUE(ParseNmeaLongitude("18000.000", "W", value) && value == -180);

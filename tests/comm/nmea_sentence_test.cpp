@@ -30,8 +30,8 @@ TEST(NmeaChecksum, PublishedSentencesAndSignedBytes) {
       {"", 0},
   };
   for (const auto& [body, expected] : cases) {
-    EXPECT_EQ(NmeaChecksum(body), expected) << body;
-    EXPECT_EQ(NmeaChecksum(body.c_str(), -1), expected) << body;  // up to the zero byte
+    EXPECT_EQ(NmeaChecksum(body), expected) << testing::PrintToString(body);
+    EXPECT_EQ(NmeaChecksum(body.c_str(), -1), expected);  // up to the zero byte
   }
   EXPECT_EQ(NmeaChecksum(std::string("AB\0C", 4).c_str(), 4), 'A' ^ 'B' ^ 'C');
   EXPECT_EQ(NmeaChecksum(nullptr, 3), 0);
