@@ -9,6 +9,7 @@
 #include "comm/nmea_fields.h"
 #include "comm/nmea_live_handler.h"
 #include "comm/nmea_position_rules.h"
+#include "comm/speed_unit.h"
 #include "core/waypoints.h"
 #include "geodesy/lista_datums.h"
 #include "tests/comm/comm_test_support.h"
@@ -190,7 +191,7 @@ TEST(NmeaFields, TimesDatesAnglesAndNumbers) {
   EXPECT_TRUE(std::isnan(NarrowToFloat(NAN)));
 }
 
-TEST(NmeaRecord, SettingsFromTheConfigurationAndTheSystemClock) {
+TEST(NmeaRecord, SettingsClockAndSpeedUnits) {
   TConfig config;
   config.Comanda_NMEA_MovingMap = "RMC";
   config.MINSatellitesPosition = 4;
@@ -202,6 +203,10 @@ TEST(NmeaRecord, SettingsFromTheConfigurationAndTheSystemClock) {
             std::tuple("RMC", 4, false, 4, 7));
   const TDateTime epoch = TDateTime::FromCalendar(1970, 1, 1);
   EXPECT_NEAR(epoch.SecondsTo(TNmeaClock().Now()), static_cast<double>(std::time(nullptr)), 2.0);
+  // The program's table of speed units: the knot is 1852 m an hour, the mile 1609.344 m.
+  EXPECT_DOUBLE_EQ(ConvertSpeed(1, TSpeedUnit::Mph, TSpeedUnit::Kmh), 1.609344);
+  EXPECT_DOUBLE_EQ(ConvertSpeed(1, TSpeedUnit::Knots, TSpeedUnit::MetresPerSecond), 1852.0 / 3600);
+  EXPECT_DOUBLE_EQ(InternalSpeedToKnots(18.52), 10);
 }
 
 // ED50 (International 1924, NIMA's three parameters for Europe) as datum 1;
