@@ -37,8 +37,8 @@ TEST(NmeaProtocol, DetectionOnAReceiver) {
   };
   for (const TCase& c : cases) {
     SCOPED_TRACE(c.lines.empty() ? "silence" : c.lines.back());
-    test::TPtyPair pty;
-    const auto port = OpenSerialPort(pty.SlaveName(), 4800);
+    test::TPtyPort link;
+    auto& [pty, port] = link;
     std::string all;
     for (const std::string& line : c.lines) all += line;
     test::TReceiver receiver(pty.Master(), {{20, all}});
@@ -60,8 +60,7 @@ TEST(CommCommands, AutodetectKeepsTheProtocolFound) {
   std::vector<std::unique_ptr<TGpsProtocol>> protocols;
   protocols.push_back(std::make_unique<TNmeaProtocol>(TNmeaReceiverSettings{}, 300));
   TAutoDetectProtocol protocol(std::move(protocols));
-  EXPECT_EQ(protocol.LongName(), "Auto-Detect");
-  EXPECT_EQ(protocol.ShortName(), "Auto");
+  EXPECT_EQ(std::pair(protocol.LongName(), protocol.ShortName()), std::pair(std::string_view("Auto-Detect"), std::string_view("Auto")));
   TProgress cancelled;
   cancelled.Cancel();
   std::string none;
@@ -120,8 +119,7 @@ TEST(ThreadComm, FailuresCancelAndOneCommandAtATime) {
     EXPECT_FALSE(thread.Wait());
     EXPECT_EQ(thread.ErrorText(), text);
     ASSERT_EQ(TLog::Instance().Entries().size(), 1u);
-    EXPECT_EQ(TLog::Instance().Entries()[0].kind, kind);
-    EXPECT_EQ(TLog::Instance().Entries()[0].text, text);
+    EXPECT_EQ(std::pair(TLog::Instance().Entries()[0].kind, TLog::Instance().Entries()[0].text), std::pair(kind, text));
   }
   std::atomic<bool> started{false};
   ASSERT_TRUE(thread.Start("long", [&](TProgress& progress) {

@@ -24,6 +24,7 @@
 #include "comm/nmea_sentence.h"
 #include "comm/nmea_settings.h"
 #include "comm/posicion_nmea.h"
+#include "comm/serial_port.h"
 #include "tests/support/testdata.h"
 
 namespace velantis::test {
@@ -37,7 +38,6 @@ inline std::string Nmea(std::string_view body) {
   std::snprintf(digits, sizeof digits, "*%02X\r\n", sum);
   return "$" + std::string(body) + digits;
 }
-// A line without its CR LF, as the log and the satellite texts keep it.
 inline std::string Chomp(const std::string& line) { return line.substr(0, line.size() - 2); }
 
 // 17 May 2024, 12:00 UTC: "today" of the tests.
@@ -47,7 +47,6 @@ inline TPosicionNMEA RecordAtTestNow() {
   record.clock = TNmeaClock::Fixed(TestNow());
   return record;
 }
-// Receiver settings with what change does to the defaults.
 template <typename F>
 TNmeaReceiverSettings Settings(F change) {
   TNmeaReceiverSettings settings;
@@ -136,13 +135,18 @@ public:
   ~TPtyPair() { CloseMaster(), CloseOwnSlave(); }
   int Master() const { return m_master; }
   const std::string& SlaveName() const { return m_slaveName; }
-  // The receiver goes away (all of it once the own slave is closed too).
-  void CloseMaster() { CloseFd(m_master); }
+  void CloseMaster() { CloseFd(m_master); }  // the receiver goes away
   void CloseOwnSlave() { CloseFd(m_slave); }
 
 private:
   int m_master = -1, m_slave = -1;
   std::string m_slaveName;
+};
+
+// A serial port on a pseudo-terminal, at 4800 baud.
+struct TPtyPort {
+  TPtyPair pty;
+  std::unique_ptr<TSerialPort> port = OpenSerialPort(pty.SlaveName(), 4800);
 };
 
 // A receiver that sends each chunk after its pause, on its own thread.
@@ -185,8 +189,7 @@ public:
   }
   ~TLoopbackServer() { CloseClient(), CloseFd(m_listener); }
   std::string Address() const { return "127.0.0.1:" + std::to_string(m_port); }
-  // The connection a client made (the backlog holds it until then).
-  int Accept() {
+  int Accept() {  // the connection a client made (the backlog holds it until then)
     m_client = accept(m_listener, nullptr, nullptr);
     if (m_client >= 0) fcntl(m_client, F_SETFL, fcntl(m_client, F_GETFL) | O_NONBLOCK);
     return m_client;

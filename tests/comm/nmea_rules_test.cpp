@@ -217,12 +217,8 @@ TEST(NmeaRecord, ReceiverDatumAgainstProj) {
   int configured = 0;
   TListaDatums datums(configured);
   TDatum wgs84, ed50;
-  wgs84.name = "WGS 84";
-  wgs84.a = 6378137;
-  wgs84.invFlattening = 298.257223563;
-  ed50.name = "European 1950";
-  ed50.a = 6378388;
-  ed50.invFlattening = 297;
+  wgs84.name = "WGS 84", wgs84.a = 6378137, wgs84.invFlattening = 298.257223563;
+  ed50.name = "European 1950", ed50.a = 6378388, ed50.invFlattening = 297;
   ed50.dX = -87, ed50.dY = -98, ed50.dZ = -121;
   datums.Add(wgs84);
   datums.Add(ed50);
@@ -237,16 +233,14 @@ TEST(NmeaRecord, ReceiverDatumAgainstProj) {
   TPosicionNMEA record = test::RecordAtTestNow();
   ASSERT_TRUE(handler.Handle(Nmea("GPWPL,4124.000,N,00210.200,E,BCN"), record));
   ASSERT_TRUE(handler.Handle(Nmea("GPGLL,4124.000,N,00210.200,E,120000,A"), record));
-  EXPECT_DOUBLE_EQ(record.lat, 41.4);  // as received
-  EXPECT_DOUBLE_EQ(record.lon, 2.17);
+  EXPECT_EQ(std::pair(record.lat, record.lon), std::pair(41.4, 2.17));  // as received
   ASSERT_EQ(list.Count(), 1u);
-  EXPECT_NEAR(list.Baliza(0).Latitude(), lat, 1e-6);
-  EXPECT_NEAR(list.Baliza(0).Longitude(), lon, 1e-6);
   TLonLat position;
   std::string message;
   ASSERT_TRUE(PositionOnDatum(record, 1, datums, 0, position, message)) << message;
-  EXPECT_NEAR(position.lat, lat, 1e-6);
-  EXPECT_NEAR(position.lon, lon, 1e-6);
+  for (const double error : {list.Baliza(0).Latitude() - lat, list.Baliza(0).Longitude() - lon,
+                             position.lat - lat, position.lon - lon})
+    EXPECT_NEAR(error, 0, 1e-6);
   ASSERT_TRUE(PositionOnDatum(record, 0, datums, 0, position, message));
   EXPECT_EQ(position.lat, 41.4);
   EXPECT_FALSE(PositionOnDatum(record, 7, datums, 0, position, message));
