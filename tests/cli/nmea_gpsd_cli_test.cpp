@@ -1,17 +1,14 @@
 // The real receiver captures through `velantis nmea --json`, fix by fix
-// against what a real gpsd reports for the same capture (`gpsfake -1 -q -p`
-// replays it through a pseudo-terminal into gpsd and prints its TPV reports).
-// A gpsd report must be one of our fixes at its time of day: positions within
-// 1e-7 degrees, altitudes within 1 cm, speed and course to gpsd's digits.
-// Where our rules differ on purpose:
-// - dates: gpsd moves old receivers' dates by 1024-week rollovers and fills
-//   them from other sentences: only the time of day is compared;
-// - gpsd merges a second into one report, we print a fix for each GGA and
-//   RMC: altitude is compared where one of ours has it (a GGA's 0 m is none,
-//   RMC carries none), speed and course in seconds with a moving RMC (gpsd
-//   replaces a speed of 0); Garmin's altitude comes from $PGRMZ for gpsd;
-// - after the first GGA or RMC we take no GLL positions: a gpsd report with
-//   no fix of ours must be a GLL position of that second.
+// against a real gpsd's TPV reports (`gpsfake -1 -q -p` replays a capture
+// through a pseudo-terminal into gpsd): each must be one of our fixes at its
+// time of day, positions within 1e-7 degrees, altitudes within 1 cm, speed
+// and course to gpsd's digits. Our rules differ on purpose: dates (gpsd
+// applies 1024-week rollovers: only the time of day is compared); gpsd
+// merges a second into one report where we print each GGA and RMC (altitude
+// compared where one of ours has it, a GGA's 0 m being none; speed and course
+// in seconds with a moving RMC, gpsd replacing a speed of 0; Garmin altitude
+// comes from $PGRMZ for gpsd); after the first GGA or RMC we take no GLL, so
+// a report with no fix of ours must be a GLL position of that second.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <ctime>
 #include <fstream>
+#include <regex>
 
 #include "tests/cli/run_velantis.h"
 #include "tests/comm/comm_test_support.h"
@@ -72,19 +73,14 @@ TEST(ReceiverCommands, NmeaFollowsATcpSourceAndPrintsALostFixOnce) {
 }
 
 // One second of a receiver: the RMC (with its date) then the GGA.
-std::string Second(int second) {
-  char time[8], lat[16];
-  std::snprintf(time, sizeof time, "1235%02d", second);
-  std::snprintf(lat, sizeof lat, "4807.%03d", 100 + second);
-  return Nmea(std::string("GPRMC,") + time + ",A," + lat + ",N,01131.000,E,022.4,084.4,230394,003.1,W") +
-         Nmea(std::string("GPGGA,") + time + "," + lat + ",N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
+std::string Second(int s) {
+  const std::string time = (s < 10 ? "12350" : "1235") + std::to_string(s), lat = "4807." + std::to_string(100 + s);
+  return Nmea("GPRMC," + time + ",A," + lat + ",N,01131.000,E,022.4,084.4,230394,003.1,W") +
+         Nmea("GPGGA," + time + "," + lat + ",N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
 }
-
 size_t CountLines(const std::string& text, const std::string& start) {
-  size_t count = 0;
-  for (size_t at = text.find("\n" + start); at != std::string::npos; at = text.find("\n" + start, at + 1))
-    ++count;
-  return count;
+  const std::regex line("\n" + start);
+  return std::distance(std::sregex_iterator(text.begin(), text.end(), line), std::sregex_iterator());
 }
 
 // The GGA and the RMC of one second make one point; every point is in the

@@ -3,7 +3,6 @@
 // fields written by hand and checksums from an independent XOR of the body,
 // Python's functools.reduce over the characters) and the moving-map test
 // output.
-#include <deque>
 #include <random>
 
 #include "comm/nmea_checksum.h"
@@ -149,14 +148,10 @@ TEST(NmeaSentenceTx, BuildsThePositionSentences) {
   TrkPnt midnight = southWest;
   midnight.time = TDateTime::FromCalendar(2023, 12, 31, 23, 59, 59.996);
   const std::tuple<std::string_view, TrkPnt, int, std::string_view> cases[] = {
-      {"GPRMC", published, 3,
-       "$GPRMC,123519.00,A,4807.038,N,01131.000,E,22.4,84.4,230394,,*3F\r\n"},
-      {"GPGGA", published, 3,
-       "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,,M,,*7C\r\n"},
-      {"GPGGAM", published, 3,
-       "$GPGGAM,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,,M,,,22.4,84.4,230394*1E\r\n"},
-      {"GPRMC", southWest, 4,
-       "$GPRMC,030405.67,A,3352.0000,S,07040.5000,W,0.0,000.0,020124,,*3B\r\n"},
+      {"GPRMC", published, 3, "$GPRMC,123519.00,A,4807.038,N,01131.000,E,22.4,84.4,230394,,*3F\r\n"},
+      {"GPGGA", published, 3, "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,,M,,*7C\r\n"},
+      {"GPGGAM", published, 3, "$GPGGAM,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,,M,,,22.4,84.4,230394*1E\r\n"},
+      {"GPRMC", southWest, 4, "$GPRMC,030405.67,A,3352.0000,S,07040.5000,W,0.0,000.0,020124,,*3B\r\n"},
       {"GPGGA", southWest, 4, "$GPGGA,030405.67,3352.0000,S,07040.5000,W,1,00,0.0,,M,,M,,*51\r\n"},
       {"GPRMC", noTime, 2, "$GPRMC,,A,6000.00,N,17959.99,E,5.0,5.0,,,*18\r\n"},
       {"GPRMC", midnight, 0, "$GPRMC,000000.00,A,3352,S,07041,W,0.0,000.0,010124,,*3F\r\n"},
@@ -189,18 +184,16 @@ TEST(NmeaTestOutput, SentencesPausesDamageAndCancel) {
     void WriteLine(std::string_view line) override { lines.emplace_back(line); }
     std::vector<std::string> lines;
   } port;
-  std::deque<int> draws = {23, 7, 55, 93, 22, 94};
+  const std::vector<int> draws = {23, 7, 55, 93, 22, 94};
+  size_t drawn = 0;
   std::vector<std::chrono::milliseconds> pauses;
   TNmeaTestOutputOptions options;
   options.extendedGga = options.galileo = options.injectErrors = true;
-  TNmeaTestOutput output(port, options,
-                         [&](int bound) {
-                           EXPECT_EQ(bound, 100);
-                           const int draw = draws.front();
-                           draws.pop_front();
-                           return draw;
-                         },
-                         [&](std::chrono::milliseconds wait) { pauses.push_back(wait); });
+  const auto draw = [&](int bound) {
+    EXPECT_EQ(bound, 100);
+    return draws.at(drawn++);
+  };
+  TNmeaTestOutput output(port, options, draw, [&](std::chrono::milliseconds wait) { pauses.push_back(wait); });
   TProgress progress;
   ASSERT_TRUE(output.Send({&track}, &progress));
   std::vector<std::string> expected;
