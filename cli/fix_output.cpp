@@ -31,15 +31,22 @@ std::string IsoMilliseconds(TDateTime time) {
   return text;
 }
 
-bool HasAltitude(const TPosicionNMEA& fix) { return fix.altitude != kAltitudeUnknownM; }
+bool HasAltitude(const TPosicionNMEA& fix) {
+  return fix.valid && fix.altitude != kAltitudeUnknownM;
+}
+
+// The position of a valid fix, absent for an invalid one.
+std::string Degrees(const TPosicionNMEA& fix, double degrees, const char* absent) {
+  return fix.valid ? Fixed(degrees, kDegreeDecimals) : std::string(absent);
+}
 
 }  // namespace
 
 std::string FixJson(const TPosicionNMEA& fix) {
   const std::string time = IsoMilliseconds(fix.time);
   return "{\"time\":" + (time.empty() ? std::string("null") : JsonString(time)) +
-         ",\"lat\":" + Fixed(fix.lat, kDegreeDecimals) +
-         ",\"lon\":" + Fixed(fix.lon, kDegreeDecimals) +
+         ",\"lat\":" + Degrees(fix, fix.lat, "null") +
+         ",\"lon\":" + Degrees(fix, fix.lon, "null") +
          ",\"alt\":" + (HasAltitude(fix) ? ShortFloat(fix.altitude) : "null") +
          ",\"speed_kmh\":" + Fixed(fix.speedKmh, kSpeedDecimals) +
          ",\"course_deg\":" + Fixed(fix.courseRad * kDegreesPerRadian, kCourseDecimals) +
@@ -49,8 +56,8 @@ std::string FixJson(const TPosicionNMEA& fix) {
 
 std::string FixText(const TPosicionNMEA& fix) {
   const std::string time = IsoMilliseconds(fix.time);
-  return (time.empty() ? std::string("-") : time) + " " + Fixed(fix.lat, kDegreeDecimals) + " " +
-         Fixed(fix.lon, kDegreeDecimals) + " " +
+  return (time.empty() ? std::string("-") : time) + " " + Degrees(fix, fix.lat, "-") + " " +
+         Degrees(fix, fix.lon, "-") + " " +
          (HasAltitude(fix) ? ShortFloat(fix.altitude) : "-") + " " +
          Fixed(fix.speedKmh, kSpeedDecimals) + " " +
          Fixed(fix.courseRad * kDegreesPerRadian, kCourseDecimals) + " " +

@@ -64,7 +64,7 @@ private:
       errors.Clear();
       if (!cycle.ReadCurrent(m_fix, errors, m_interrupt.Progress())) continue;
       m_fix.newData = false;
-      std::cout << FixText(m_fix) << std::endl;
+      if (m_filter.Take(m_fix)) std::cout << FixText(m_fix) << std::endl;
       std::string error;
       const bool hadPath = !m_log.Path().empty();
       if (!m_log.Record(m_fix, error)) {
@@ -80,6 +80,7 @@ private:
   const TConfig& m_config;
   TNmeaLiveHandler m_handler;
   TPosicionNMEA m_fix;
+  TFixPrintFilter m_filter;
   TLiveTrackLog m_log;
   TTerminalProgress& m_interrupt;
   bool m_failed = false;

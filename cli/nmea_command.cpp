@@ -32,13 +32,14 @@ public:
 
   void Line(std::string_view line) {
     if (!m_handler.Handle(line, m_fix)) return;
-    std::cout << (m_json ? FixJson(m_fix) : FixText(m_fix)) << "\n";
     m_fix.newData = false;
+    if (m_filter.Take(m_fix)) std::cout << (m_json ? FixJson(m_fix) : FixText(m_fix)) << "\n";
   }
 
 private:
   TNmeaLiveHandler m_handler;
   TPosicionNMEA m_fix;
+  TFixPrintFilter m_filter;
   bool m_json;
 };
 

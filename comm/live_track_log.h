@@ -18,12 +18,18 @@
 namespace velantis {
 
 inline constexpr std::string_view kLiveTrackPrefix = "TrackMovingMap-";
+// Live-track files always carry "U  1" (degrees and decimal minutes), so
+// that any reader of them knows the notation without the configuration.
+inline constexpr int kLiveTrackNotation = 1;
 
 class TLiveTrackLog {
 public:
-  // options: the datum, notation and code page the file is written in.
+  // options: the datum and code page the file is written in; the notation
+  // is kLiveTrackNotation whatever options say.
   TLiveTrackLog(std::string folder, const TNativeOptions& options)
-      : m_folder(std::move(folder)), m_options(options) {}
+      : m_folder(std::move(folder)), m_options(options) {
+    m_options.notation = kLiveTrackNotation;
+  }
 
   // The file of a day: folder + "/TrackMovingMap-YYYY-MM-DD.trk".
   std::string PathOfDay(TDateTime day) const;

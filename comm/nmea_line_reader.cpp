@@ -29,7 +29,11 @@ struct TLineBounds {
 };
 
 // Every "$" starts again, so a sentence cut short by the next one is dropped;
-// the first line feed after the start ends the line.
+// the first line feed after the start ends the line. On purpose the scan
+// stops at the first complete line: a scan that went on would let a later
+// "$" already in the buffer forget that complete line, and a fast receiver
+// (several sentences a read) would lose sentences. The rest stays in the
+// buffer for the next call, so every complete line comes out, in order.
 TLineBounds FindLine(const std::string& buffer) {
   TLineBounds bounds;
   for (size_t i = 0; i < buffer.size() && !bounds.Complete(); ++i) {

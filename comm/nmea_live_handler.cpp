@@ -127,7 +127,7 @@ bool TNmeaLiveHandler::Handle(std::string_view line, TPosicionNMEA& record) {
 void TNmeaLiveHandler::LogLine(std::string_view line) {
   while (!line.empty() && (line.back() == '\r' || line.back() == '\n')) line.remove_suffix(1);
   m_logEntry.assign(line);
-  if (!m_sentence.ChecksumMatches()) m_logEntry.append(" ").append(kNmeaLogChecksumError);
+  if (!m_sentence.ChecksumMatches()) m_logEntry.append(kNmeaLogChecksumError);
   m_log(m_logEntry);
 }
 

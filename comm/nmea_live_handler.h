@@ -8,7 +8,8 @@
 // Order of the handling (one line):
 //   1. a line that does not parse changes nothing;
 //   2. the NMEA log, when set, gets the line (without its line end), then
-//      " ChecksumError!" when the checksum does not match;
+//      "ChecksumError!" right after it (no blank) when the checksum does
+//      not match;
 //   3. with Use_Checksum_NMEA a sentence whose checksum does not match (or
 //      that has none) is dropped;
 //   4-7. GGA, RMC, GLL (only until a GGA, RMC or GGAM has been accepted since

@@ -122,6 +122,8 @@ bool ApplyGgaFields(const TComandaNMEA& sentence, TPosicionNMEA& record,
   }
   record.time = dateDays ? TimeOnDate(*dateDays, sentence.Field(gga::kTime))
                          : TimeOnHeldDate(record, sentence.Field(gga::kTime));
+  record.rawSentence.assign(1, '$');
+  record.rawSentence.append(sentence.Body());
   record.differential = quality == "2";
   record.satellites = satellites;
   record.lat = lat;

@@ -124,7 +124,8 @@ bool TComandaNMEA_Base::SplitBody(std::string_view line, TErrorSink* sink) {
   uint8_t sum = 0;
   for (const char* p = begin; p != end; ++p) {
     const char c = *p;
-    if (c == '*') {
+    // A "*" in the first place of the body is text, not a checksum mark.
+    if (c == '*' && p != begin) {
       star = p;
       break;
     }

@@ -37,7 +37,7 @@ struct TPosicionNMEA {
   float altitude = kAltitudeUnknownM;
   double lat = 0;
   double lon = 0;
-  std::string rawSentence;       // "$" and body of the last RMC
+  std::string rawSentence;       // "$" and body of the last position sentence (GGA, GGAM, RMC)
   std::string satellitesInView;  // the "$"-prefixed GSV sentences of the last complete cycle
   std::string satellitesInUse;   // the "$"-prefixed GSA sentences held (see the live handling)
   bool datePresent = false;      // the last RMC (or GGAM) carried a date

@@ -1,5 +1,7 @@
 #include "comm/serial_error.h"
 
+#include <system_error>
+
 namespace velantis {
 
 TXErrorRScom::TXErrorRScom(int32_t code, std::string detail, int lastError)
@@ -23,7 +25,11 @@ const char* TXErrorRScom::CodeText(int32_t code) {
 std::string TXErrorRScom::Text(int32_t code, const std::string& detail, int lastError) {
   std::string text = CodeText(code);
   if (!detail.empty()) text += " " + detail;
-  if (lastError != 0) text += " lasterror= " + std::to_string(lastError);
+  // The number alone tells a user nothing: the system's own words for it
+  // follow ("lasterror= 2 (No such file or directory)").
+  if (lastError != 0)
+    text += " lasterror= " + std::to_string(lastError) + " (" +
+            std::system_category().message(lastError) + ")";
   return text;
 }
 

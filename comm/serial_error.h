@@ -27,7 +27,8 @@ public:
   int LastError() const { return m_lastError; }
 
   // The code's text, then " " and the detail when there is one, then
-  // " lasterror= " and the number when it is not 0.
+  // " lasterror= " and the number when it is not 0, with the system's text
+  // for that number in parentheses.
   static std::string Text(int32_t code, const std::string& detail, int lastError);
   // The text of a code alone ("Error default" for codes not in the table).
   static const char* CodeText(int32_t code);

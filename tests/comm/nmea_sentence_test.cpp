@@ -1,154 +1,103 @@
-#include "comm/nmea_sentence.h"
-
-#include <gtest/gtest.h>
-
+// Framing and checksum of one line, against the published NMEA 0183
+// examples, and the sentences the program builds (expected lines with their
+// fields written by hand and checksums from an independent XOR of the body,
+// Python's functools.reduce over the characters) and the moving-map test
+// output.
 #include <random>
-#include <string>
-#include <vector>
 
 #include "comm/nmea_checksum.h"
-#include "tests/comm/nmea_test_support.h"
+#include "comm/nmea_sentence_tx.h"
+#include "comm/nmea_test_output.h"
+#include "tests/comm/comm_test_support.h"
 
 namespace velantis {
 namespace {
 
 using test::Nmea;
 
-// Published NMEA 0183 examples with the checksums they were published with.
 constexpr std::string_view kGga =
     "$GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,*47\r\n";
 constexpr std::string_view kRmc =
     "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A\r\n";
 
-TEST(NmeaChecksum, PublishedSentencesCarryTheirChecksum) {
-  const std::pair<std::string_view, int> cases[] = {
-      {"GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,", 0x47},
-      {"GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W", 0x6A},
-      {"GPGLL,4916.45,N,12311.12,W,225444,A,", 0x1D},
+TEST(NmeaChecksum, PublishedSentencesAndSignedBytes) {
+  const std::pair<std::string, int32_t> cases[] = {
+      {"GPGLL,4916.45,N,12311.12,W,225444,A,", 0x1D},  // published with its checksum
       {"GPVTG,054.7,T,034.4,M,005.5,N,010.2,K", 0x48},
-      {"GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1", 0x39},
-      {"GPWPL,4917.16,N,12310.64,W,003", 0x65},
+      {"\x80", -128},  // a high byte sign-extends
+      {"\xC3\x41", -126},
+      {"", 0},
   };
   for (const auto& [body, expected] : cases) {
-    EXPECT_EQ(NmeaChecksum(body), expected) << body;
-    EXPECT_EQ(NmeaChecksum(std::string(body).c_str(), -1), expected) << body;
+    EXPECT_EQ(NmeaChecksum(body), expected) << testing::PrintToString(body);
+    EXPECT_EQ(NmeaChecksum(body.c_str(), -1), expected);  // up to the zero byte
   }
-}
-
-TEST(NmeaChecksum, BytesCountAsSigned8BitValues) {
-  struct TCase {
-    std::string bytes;
-    int length;
-    int32_t expected;
-  };
-  const TCase cases[] = {
-      {"\x80", 1, -128},           // 0xFFFFFF80: one high byte sign-extends
-      {"\x80\x80", 2, 0},          // two cancel
-      {"\xC3\x41", 2, -126},       // 0xC3 ^ 0x41 = 0x82 -> -126
-      {"A", 1, 0x41},
-      {"", 0, 0},
-      {std::string("AB\0C", 4), -1, 'A' ^ 'B'},  // negative length: up to the zero byte
-      {std::string("AB\0C", 4), 4, 'A' ^ 'B' ^ 'C'},
-      {"ABCD", 2, 'A' ^ 'B'},
-  };
-  for (const TCase& c : cases) EXPECT_EQ(NmeaChecksum(c.bytes.data(), c.length), c.expected);
-}
-
-// The eight-bytes-at-a-time fold against the byte loop it replaces, over
-// every length up to 40 and bytes of every value.
-TEST(NmeaChecksum, WordFoldEqualsTheByteLoop) {
+  EXPECT_EQ(NmeaChecksum(std::string("AB\0C", 4).c_str(), 4), 'A' ^ 'B' ^ 'C');
+  EXPECT_EQ(NmeaChecksum(nullptr, 3), 0);
+  // The eight-bytes-at-a-time fold against a plain byte loop, every length to 40.
   std::mt19937 random(7);
   for (int length = 0; length <= 40; ++length) {
-    for (int round = 0; round < 50; ++round) {
-      std::string bytes(static_cast<size_t>(length), '\0');
-      for (char& c : bytes) c = static_cast<char>(random());
-      int32_t byteLoop = 0;
-      for (const char c : bytes) byteLoop ^= static_cast<int8_t>(c);
-      ASSERT_EQ(NmeaChecksum(bytes), byteLoop) << "length " << length;
-    }
+    std::string bytes(static_cast<size_t>(length), '\0');
+    for (char& c : bytes) c = static_cast<char>(random());
+    int32_t byteLoop = 0;
+    for (const char c : bytes) byteLoop ^= static_cast<int8_t>(c);
+    ASSERT_EQ(NmeaChecksum(bytes), byteLoop) << "length " << length;
   }
 }
 
-struct TParseCase {
-  const char* what;
-  std::string line;
-  bool ok;
-  std::string_view message;  // on failure
-  std::string_view identifier;
-  std::string_view complete;
-  size_t fields;
-  const char* checksumText;  // null: not checked (a checksum made by Nmea())
-  bool matches;
-};
-
+// One object parses every row in turn: a failure empties it, a short
+// sentence after a long one keeps nothing of it.
 TEST(NmeaSentence, ParseTable) {
-  const TParseCase cases[] = {
-      {"published GGA", std::string(kGga), true, "", "GGA", "GPGGA", 15, "47", true},
-      {"GGA without its dollar sign", std::string(kGga.substr(1)), false, kNmeaErrorNoDollar, "",
-       "", 0, nullptr, false},
-      {"two characters of noise before the dollar", "x\x07" + std::string(kGga), true, "", "GGA",
-       "GPGGA", 15, "47", true},
-      {"RMC whose checksum has one hex digit",
-       "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6\r\n", false,
-       kNmeaErrorChecksumSection, "", "", 0, nullptr, false},
-      {"RMC without asterisk",
-       "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W\r\n", true, "", "RMC",
-       "GPRMC", 12, "", false},
-      {"asterisk with nothing after it", "$GPBOD,,T,,M,,*\r\n", false, kNmeaErrorChecksumSection,
-       "", "", 0, nullptr, false},
-      {"checksum text cut to two characters",
-       "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A7\r\n", true, "", "RMC",
-       "GPRMC", 12, "6A", true},
-      {"proprietary sentence of four characters", Nmea("PFEC,GPint,RMC05"), true, "", "FEC",
-       "PFEC", 3, nullptr, true},
-      {"lower-case hex digits",
-       "$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6a", true, "", "RMC",
-       "GPRMC", 12, "6a", true},
-      {"wrong checksum", "$GPVTG,054.7,T,034.4,M,005.5,N,010.2,K*49\r\n", true, "", "VTG", "GPVTG",
-       9, "49", false},
-      {"checksum digits that are no hex", "$GPVTG,054.7,T,034.4,M,005.5,N,010.2,K*\x1b[\r\n", true,
-       "", "VTG", "GPVTG", 9, "\x1b[", false},
-      {"proprietary: only the P goes", Nmea("PMGNWPL,4917.16,N,12310.64,W,0,M,X"),
-       true, "", "MGNWPL", "PMGNWPL", 8, nullptr, true},
-      {"three-letter field 0 kept whole", Nmea("TUA,1,2"), true, "", "TUA", "TUA", 3, nullptr,
-       true},
-      {"one-letter field 0", Nmea("D,1"), true, "", "D", "D", 2, nullptr, true},
-      {"empty fields keep their numbers", Nmea("GPGSA,A,1,,,,,,,,,,,,,,,"), true, "", "GSA",
-       "GPGSA", 18, nullptr, true},
-      {"line feeds and returns inside the body are dropped",
-       "$GPVTG,054.7,T,034\r\n.4,M,005.5,N,010.2,K*48\n", true, "", "VTG", "GPVTG", 9, "48", true},
-      {"dollar alone", "$\r\n", true, "", "", "", 1, "", false},
-      {"asterisk right after the dollar", "$*00\r\n", true, "", "", "", 1, "00", true},
-      {"empty line", "", false, kNmeaErrorNoDollar, "", "", 0, nullptr, false},
+  struct TCase {
+    std::string line;
+    std::string_view message;  // on failure
+    std::string_view identifier, complete;
+    size_t fields;
+    const char* checksumText;  // null: not checked
+    bool matches;
   };
-  for (const TParseCase& c : cases) {
-    SCOPED_TRACE(c.what);
-    TComandaNMEA sentence;
+  const std::string_view ok;
+  const TCase cases[] = {
+      {std::string(kGga), ok, "GGA", "GPGGA", 15, "47", true},
+      {std::string(kGga.substr(1)), kNmeaErrorNoDollar, "", "", 0, nullptr, false},
+      {"x\x07" + std::string(kGga), ok, "GGA", "GPGGA", 15, "47", true},  // noise before "$"
+      {"$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6\r\n",
+       kNmeaErrorChecksumSection, "", "", 0, nullptr, false},
+      {"$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W\r\n", ok, "RMC",
+       "GPRMC", 12, "", false},  // no "*": parses, checksum not matching
+      {"$GPBOD,,T,,M,,*\r\n", kNmeaErrorChecksumSection, "", "", 0, nullptr, false},
+      {"$GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6a7", ok, "RMC",
+       "GPRMC", 12, "6a", true},  // lower-case hex, cut to two characters
+      {"$GPVTG,054.7,T,034.4,M,005.5,N,010.2,K*49\r\n", ok, "VTG", "GPVTG", 9, "49", false},
+      {"$GPVTG,054.7,T,034.4,M,005.5,N,010.2,K*\x1b[\r\n", ok, "VTG", "GPVTG", 9, "\x1b[", false},
+      {"$GPTXT,A*zz\r\n", ok, "TXT", "GPTXT", 2, "zz", false},  // no hex digits, XOR 0x22
+      {Nmea("PMGNWPL,4917.16,N,12310.64,W,0,M,X"), ok, "MGNWPL", "PMGNWPL", 8, nullptr, true},
+      {Nmea("PFEC,GPint"), ok, "FEC", "PFEC", 2, nullptr, true},  // only the "P" goes
+      {Nmea("TUA,1,2"), ok, "TUA", "TUA", 3, nullptr, true},  // short field 0 kept whole
+      {Nmea("GPGSA,A,1,,,,,,,,,,,,,,,"), ok, "GSA", "GPGSA", 18, nullptr, true},
+      {"$GPVTG,054.7,T,034\r\n.4,M,005.5,N,010.2,K*48\n", ok, "VTG", "GPVTG", 9, "48", true},
+      {"$*00\r\n", ok, "*00", "*00", 1, "", false},  // "*" right after "$" is text
+      {"$\r\n", ok, "", "", 1, "", false},
+      {"", kNmeaErrorNoDollar, "", "", 0, nullptr, false},
+  };
+  TComandaNMEA sentence;
+  for (const TCase& c : cases) {
+    SCOPED_TRACE(c.line);
     TErrorSink sink;
-    ASSERT_EQ(sentence.Parse(c.line, sink), c.ok);
-    if (!c.ok) {
-      ASSERT_EQ(sink.Records().size(), 1u);
-      EXPECT_EQ(sink.Records()[0].message, c.message);
-      EXPECT_EQ(sink.Records()[0].detail, c.line);
-      EXPECT_EQ(sentence.FieldCount(), 0u);
-      continue;
-    }
-    EXPECT_TRUE(sink.Records().empty());
-    EXPECT_EQ(sentence.Identifier(), c.identifier);
-    EXPECT_EQ(sentence.CompleteIdentifier(), c.complete);
-    EXPECT_EQ(sentence.FieldCount(), c.fields);
-    if (c.checksumText != nullptr) {
-      EXPECT_EQ(sentence.ChecksumText(), c.checksumText);
-    }
-    EXPECT_EQ(sentence.ChecksumMatches(), c.matches);
+    ASSERT_EQ(sentence.Parse(c.line, sink), c.message.empty());
+    std::string reported;
+    for (const auto& record : sink.Records()) reported += record.message + "|" + record.detail;
+    EXPECT_EQ(reported, c.message.empty() ? "" : std::string(c.message) + "|" + c.line);
+    EXPECT_EQ(std::tuple(sentence.Identifier(), sentence.CompleteIdentifier(), sentence.FieldCount(),
+                         sentence.ChecksumMatches()), std::tuple(c.identifier, c.complete, c.fields, c.matches));
+    EXPECT_EQ(sentence.ChecksumText(), c.checksumText ? c.checksumText : sentence.ChecksumText());
   }
 }
 
-TEST(NmeaSentence, BodyAndFieldsOfAPublishedRmc) {
+TEST(NmeaSentence, BodyFieldsAndNumbersOfAPublishedRmc) {
   const TComandaNMEA rmc = test::Parsed(kRmc);
   EXPECT_EQ(rmc.Body(), "GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W*6A");
-  EXPECT_EQ(rmc.BodyWithoutChecksum(),
-            "GPRMC,123519,A,4807.038,N,01131.000,E,022.4,084.4,230394,003.1,W");
+  EXPECT_EQ(rmc.BodyWithoutChecksum(), rmc.Body().substr(0, rmc.Body().size() - 3));
   const std::vector<std::string_view> expected = {"GPRMC", "123519", "A", "4807.038", "N",
                                                   "01131.000", "E", "022.4", "084.4", "230394",
                                                   "003.1", "W"};
@@ -156,55 +105,24 @@ TEST(NmeaSentence, BodyAndFieldsOfAPublishedRmc) {
   EXPECT_EQ(rmc.ComputedChecksum(), 0x6A);
   EXPECT_EQ(rmc.Field(12), "");  // past the last field
   double knots = 0;
-  EXPECT_TRUE(rmc.FieldReal(7, knots));
-  EXPECT_DOUBLE_EQ(knots, 22.4);
-  EXPECT_FALSE(rmc.FieldReal(2, knots));  // "A"
-  EXPECT_FALSE(rmc.FieldReal(20, knots));
+  int date = 0;
+  EXPECT_TRUE(rmc.FieldReal(7, knots) && rmc.FieldInt(9, date));
+  EXPECT_EQ(std::pair(knots, date), std::pair(22.4, 230394));
+  EXPECT_FALSE(rmc.FieldReal(2, knots) || rmc.FieldInt(7, date));  // "A", "022.4"
 }
 
-TEST(NmeaSentence, ParseWithoutSinkOnlyReturns) {
-  TComandaNMEA sentence;
-  EXPECT_FALSE(sentence.Parse("no dollar here", nullptr));
-  EXPECT_TRUE(sentence.Parse(kGga, nullptr));
-}
-
-TEST(NmeaSentence, AFailedParseEmptiesTheSentence) {
-  TComandaNMEA sentence;
-  ASSERT_TRUE(sentence.Parse(kGga, nullptr));
-  EXPECT_FALSE(sentence.Parse("$GPGGA,1*4", nullptr));
-  EXPECT_EQ(sentence.FieldCount(), 0u);
-  EXPECT_EQ(sentence.Identifier(), "");
-  EXPECT_FALSE(sentence.ChecksumMatches());
-}
-
-// A long sentence and then a short one into the same object: nothing of
-// the first is left, and the short one's fields are its own.
-TEST(NmeaSentence, ReparsingLeavesNothingBehind) {
-  TComandaNMEA sentence;
-  ASSERT_TRUE(sentence.Parse(kGga, nullptr));
-  ASSERT_TRUE(sentence.Parse(Nmea("GPHDT,274.07,T"), nullptr));
-  const std::vector<std::string_view> expected = {"GPHDT", "274.07", "T"};
-  EXPECT_EQ(sentence.Fields(), expected);
-  EXPECT_EQ(sentence.Identifier(), "HDT");
-}
-
-// Copies and moves, short bodies (held inside the string) and long ones.
+// Copies and moves of short bodies (held inside the string) and long ones.
 TEST(NmeaSentence, CopiesAndMovesKeepTheirOwnFields) {
   for (const std::string& line : {Nmea("D,1,2"), std::string(kRmc)}) {
-    TComandaNMEA original;
-    ASSERT_TRUE(original.Parse(line, nullptr));
+    TComandaNMEA original = test::Parsed(line);
     const std::vector<std::string> fields(original.Fields().begin(), original.Fields().end());
-    const std::string identifier(original.Identifier());
-
-    TComandaNMEA copy(original);
-    TComandaNMEA assigned;
-    assigned = original;
-    TComandaNMEA moved(std::move(original));
+    TComandaNMEA copy(original), assigned, moved(std::move(original));
+    assigned = moved;
     original.Parse(Nmea("GPXXX,overwritten,and,longer,than,before,to,force,new,storage"), nullptr);
     for (const TComandaNMEA* s : {&copy, &assigned, &moved}) {
       ASSERT_EQ(s->FieldCount(), fields.size());
       for (size_t i = 0; i < fields.size(); ++i) EXPECT_EQ(s->Field(i), fields[i]);
-      EXPECT_EQ(s->Identifier(), identifier);
+      EXPECT_EQ(s->Identifier(), test::Parsed(line).Identifier());
       EXPECT_TRUE(s->ChecksumMatches());
     }
     TComandaNMEA moveAssigned;
@@ -212,6 +130,89 @@ TEST(NmeaSentence, CopiesAndMovesKeepTheirOwnFields) {
     EXPECT_EQ(moveAssigned.Field(fields.size() - 1), fields.back());
     EXPECT_EQ(copy.FieldCount(), 0u);
   }
+}
+
+TEST(NmeaSentenceTx, BuildsThePositionSentences) {
+  auto point = [](double lat, double lon, TDateTime time) {
+    TrkPnt p;
+    p.lat = lat, p.lon = lon, p.time = time;
+    return p;
+  };
+  TrkPnt published = point(48 + 7.038 / 60, 11 + 31.0 / 60, TDateTime::FromCalendar(1994, 3, 23, 12, 35, 19));
+  published.altitude = 545.4f, published.speedKmh = 22.4f * 1.852f, published.courseDeg = 84.4f;
+  published.hdop = 0.9f, published.satellites = 8;
+  const TrkPnt southWest = point(-(33 + 52.0 / 60), -(70 + 40.5 / 60), TDateTime::FromCalendar(2024, 1, 2, 3, 4, 5.67));
+  // The minutes round up into the next degree; 23:59:59.996 into the next day.
+  TrkPnt noTime = point(59.9999999, 179 + 59.99 / 60, TDateTime());
+  noTime.speedKmh = 5 * 1.852f, noTime.courseDeg = 5;
+  TrkPnt midnight = southWest;
+  midnight.time = TDateTime::FromCalendar(2023, 12, 31, 23, 59, 59.996);
+  const std::tuple<std::string_view, TrkPnt, int, std::string_view> cases[] = {
+      {"GPRMC", published, 3, "$GPRMC,123519.00,A,4807.038,N,01131.000,E,22.4,84.4,230394,,*3F\r\n"},
+      {"GPGGA", published, 3, "$GPGGA,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,,M,,*7C\r\n"},
+      {"GPGGAM", published, 3, "$GPGGAM,123519.00,4807.038,N,01131.000,E,1,08,0.9,545.4,M,,M,,,22.4,84.4,230394*1E\r\n"},
+      {"GPRMC", southWest, 4, "$GPRMC,030405.67,A,3352.0000,S,07040.5000,W,0.0,000.0,020124,,*3B\r\n"},
+      {"GPGGA", southWest, 4, "$GPGGA,030405.67,3352.0000,S,07040.5000,W,1,00,0.0,,M,,M,,*51\r\n"},
+      {"GPRMC", noTime, 2, "$GPRMC,,A,6000.00,N,17959.99,E,5.0,5.0,,,*18\r\n"},
+      {"GPRMC", midnight, 0, "$GPRMC,000000.00,A,3352,S,07041,W,0.0,000.0,010124,,*3F\r\n"},
+      {"GPGLL", published, 4, ""},  // not a kind that is built
+  };
+  for (const auto& [kind, point, decimals, line] : cases)
+    EXPECT_EQ(BuildNmeaSentence(kind, point, decimals), line);
+  TComandaNMEA_Tx sentence;
+  ASSERT_TRUE(sentence.Build("GPGGA", published, 42));  // at most 9 decimals
+  EXPECT_EQ(sentence.Field(4), "01131.000000000");
+  EXPECT_EQ(sentence.Identifier(), "GGA");  // once built, it reads like a received one
+  EXPECT_TRUE(sentence.ChecksumMatches());
+  sentence.Begin("PMGNCMD");
+  sentence.AddField("VERSION");
+  EXPECT_EQ(sentence.Finish(), "$PMGNCMD,VERSION*28\r\n");
+  TComandaNMEA_Tx_Galileo galileo;  // the combined talker for "GP" kinds only
+  ASSERT_TRUE(galileo.Build("GPRMC", published, 3));
+  EXPECT_EQ(galileo.Line(), "$GNRMC,123519.00,A,4807.038,N,01131.000,E,22.4,84.4,230394,,*21\r\n");
+  galileo.Begin("PMGNCMD");
+  EXPECT_EQ(galileo.Finish(), "$PMGNCMD*5E\r\n");
+}
+
+// GGA (or GGAM) and RMC a point, the pause between points, a damage drawn
+// for each sentence when asked: 23 no "$", 55 cut at 30, 93 a wrong checksum.
+TEST(NmeaTestOutput, SentencesPausesDamageAndCancel) {
+  TTrack track;
+  for (int i = 0; i < 3; ++i)
+    track.Anyade_Punto_Temps(41.0 + i * 0.001, 2.0, 100, TDateTime::FromCalendar(2024, 5, 17, 10, 0, i));
+  struct TSink : TNmeaLineSink {
+    void WriteLine(std::string_view line) override { lines.emplace_back(line); }
+    std::vector<std::string> lines;
+  } port;
+  const std::vector<int> draws = {23, 7, 55, 93, 22, 94};
+  size_t drawn = 0;
+  std::vector<std::chrono::milliseconds> pauses;
+  TNmeaTestOutputOptions options;
+  options.extendedGga = options.galileo = options.injectErrors = true;
+  const auto draw = [&](int bound) {
+    EXPECT_EQ(bound, 100);
+    return draws.at(drawn++);
+  };
+  TNmeaTestOutput output(port, options, draw, [&](std::chrono::milliseconds wait) { pauses.push_back(wait); });
+  TProgress progress;
+  ASSERT_TRUE(output.Send({&track}, &progress));
+  std::vector<std::string> expected;
+  TComandaNMEA_Tx_Galileo sentence;
+  for (const TrkPnt& point : track.Points())
+    for (const char* kind : {"GPGGAM", "GPRMC"}) expected.push_back(sentence.Build(kind, point, 4) ? sentence.Line() : "");
+  expected[0][0] = 'R';
+  expected[2].resize(30);
+  expected[3][expected[3].size() - 4] = 'A';
+  EXPECT_EQ(port.lines, expected);
+  EXPECT_EQ(pauses, std::vector<std::chrono::milliseconds>(2, std::chrono::milliseconds(2000)));
+  EXPECT_EQ(progress.Total(), 3);
+  EXPECT_EQ(progress.Steps(), 3);
+
+  TNmeaTestOutput plain(port, {}, {}, [&](std::chrono::milliseconds) { progress.Cancel(); });
+  port.lines.clear();
+  EXPECT_FALSE(plain.Send({&track}, &progress));
+  EXPECT_EQ(port.lines, (std::vector<std::string>{BuildNmeaSentence("GPGGA", track.Point(0), 4),
+                                                  BuildNmeaSentence("GPRMC", track.Point(0), 4)}));
 }
 
 }  // namespace
