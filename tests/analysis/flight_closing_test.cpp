@@ -1,0 +1,77 @@
+// The closing of the flight on constructed tracks: the 1000 m and the
+// half-span tests, the runner-up pair and the thinned start positions.
+#include "analysis/flight_closing.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "tests/analysis/flight_samples.h"
+
+namespace velantis {
+namespace {
+
+using test::CacheOf;
+using test::TOffsetM;
+
+// Point 0 is the only start; turnpoints 1 and 2; points 2 and 3 are the
+// finishes tried.
+TEST(FlightClosing, AcceptanceTests) {
+  struct TCase {
+    const char* what;
+    std::vector<TOffsetM> points;
+    bool stands;
+    int finish;          // of the smallest gap
+    int secondFinish;    // kNoPoint when no runner-up is kept
+  };
+  const TCase cases[] = {
+      {"1200 m gap is dropped", {{0, 0}, {0, 5000}, {10000, 5000}, {1200, 0}}, false, 3, 2},
+      {"990 m gap stands", {{0, 0}, {0, 5000}, {10000, 5000}, {990, 0}}, true, 3, 2},
+      // span 1000 m: 700 m is more than half of it
+      {"gap over half the span is dropped", {{0, 0}, {0, 500}, {1000, 500}, {700, 0}}, false, 3, 2},
+      {"gap of 0.45 span stands", {{0, 0}, {0, 500}, {1000, 500}, {450, 0}}, true, 3, 2},
+      // gaps 200 m and 100 m: the 200 m runner-up is too close to keep
+      {"runner-up under 500 m is not kept", {{0, 0}, {0, 3000}, {200, 0}, {100, 0}}, true, 3, kNoPoint},
+      {"runner-up of 520 m is kept", {{0, 0}, {0, 3000}, {520, 0}, {100, 0}}, true, 3, 2},
+  };
+  const int turnpoints[] = {1, 2};
+  for (const TCase& c : cases) {
+    TFlightClosing closing;
+    ASSERT_TRUE(CloseFlight(CacheOf(c.points), turnpoints, nullptr, closing));
+    EXPECT_EQ(closing.stands, c.stands) << c.what;
+    EXPECT_EQ(closing.start, 0) << c.what;
+    EXPECT_EQ(closing.finish, c.finish) << c.what;
+    EXPECT_EQ(closing.secondFinish, c.secondFinish) << c.what;
+  }
+}
+
+// 2002 points: starts 0..999 lie 2 km and more east, except point 999 at the
+// finish; turnpoints 1000 and 1001; the last point is the finish. With 1000
+// points before P1 the start stride is 2, so point 999 is never tried and
+// the nearest pair found is 2 km apart.
+TEST(FlightClosing, StartPositionsAreThinned) {
+  std::vector<TOffsetM> points;
+  for (int i = 0; i < 1000; ++i) points.push_back({2000.0 + i, 0});
+  points[999] = {0, 0};
+  points.push_back({0, 20000});
+  for (int i = 1001; i < 2001; ++i) points.push_back({20000, 20000.0 + i});
+  points.push_back({0, 0});
+  const int turnpoints[] = {1000, 1001};
+  TFlightClosing closing;
+  ASSERT_TRUE(CloseFlight(CacheOf(points), turnpoints, nullptr, closing));
+  EXPECT_EQ(closing.start, 0);
+  EXPECT_EQ(closing.finish, 2001);
+  EXPECT_NEAR(closing.gapM, 2000, 5);
+  EXPECT_FALSE(closing.stands);
+}
+
+TEST(FlightClosing, NoStartBeforeTheFirstPoint) {
+  const int turnpoints[] = {0, 1};
+  TFlightClosing closing;
+  ASSERT_TRUE(CloseFlight(CacheOf({{0, 0}, {5000, 0}, {0, 10}}), turnpoints, nullptr, closing));
+  EXPECT_EQ(closing.start, kNoPoint);
+  EXPECT_FALSE(closing.stands);
+}
+
+}  // namespace
+}  // namespace velantis
