@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "analysis/certain_turn.h"
 #include "analysis/index_range_boxes.h"
 #include "analysis/shape_upper_bound.h"
 #include "analysis/space_share_progress.h"
@@ -28,6 +29,7 @@ public:
         m_shape(shape),
         m_k(shape.turnpoints),
         m_boxes(cache),
+        m_turnsDecidable(shape.turnpoints == 4 && TurnsDecidable(m_boxes)),
         m_progress(progress, kExactProgressUnits),
         m_count(static_cast<double>(cache.Count())) {}
 
@@ -36,6 +38,7 @@ public:
 private:
   bool IncreasingFits(const TRangeTuple& tuple) const;
   double Bound(const TRangeTuple& tuple) const;
+  bool CertainlyConcave(const TRangeTuple& tuple) const;
   double Share(const TRangeTuple& tuple) const;
   int WidestRange(const TRangeTuple& tuple) const;
   void TryCandidate(std::span<const int> indices);
@@ -46,6 +49,7 @@ private:
   const TOptimizationShape& m_shape;
   const int m_k;
   const TIndexRangeBoxes m_boxes;
+  const bool m_turnsDecidable;
   TSpaceShareProgress m_progress;
   const double m_count;
   std::priority_queue<TRangeTuple> m_open;
@@ -66,7 +70,22 @@ bool TExactSearch::IncreasingFits(const TRangeTuple& tuple) const {
   return true;
 }
 
+// The quadrilateral counts only when the turns at P2, P3 and P4 agree: two
+// turns certain for the whole ranges and opposite refuse every candidate.
+bool TExactSearch::CertainlyConcave(const TRangeTuple& tuple) const {
+  const auto& r = tuple.ranges;
+  const int turns[] = {CertainTurn(m_boxes, r[0], r[1], r[2]), CertainTurn(m_boxes, r[1], r[2], r[3]),
+                       CertainTurn(m_boxes, r[2], r[3], r[0])};
+  bool left = false, right = false;
+  for (const int turn : turns) {
+    left = left || turn > 0;
+    right = right || turn < 0;
+  }
+  return left && right;
+}
+
 double TExactSearch::Bound(const TRangeTuple& tuple) const {
+  if (m_turnsDecidable && CertainlyConcave(tuple)) return 0;
   std::array<double, kMaxTurnpoints> maxLegs{};
   std::array<double, kMaxTurnpoints> minLegs{};
   const int legs = m_shape.Closed() ? m_k : 1;

@@ -23,25 +23,33 @@ TIndexRangeBoxes::TIndexRangeBoxes(const TFlightPointCache& cache) {
     points[i] = {record.cosLat * std::cos(record.lonRad), record.cosLat * std::sin(record.lonRad), record.sinLat};
   }
   m_nodes.reserve(2 * count);
-  Build(points, 0, static_cast<int>(count) - 1);
+  Build(cache, points, 0, static_cast<int>(count) - 1);
 }
 
 // Pre-order, so the root is node 0; depth is log2(n), so recursion is safe.
-int TIndexRangeBoxes::Build(const std::vector<std::array<double, 3>>& points, int first, int last) {
+int TIndexRangeBoxes::Build(const TFlightPointCache& cache, const std::vector<std::array<double, 3>>& points,
+                            int first, int last) {
   const int id = static_cast<int>(m_nodes.size());
+  const TFlightPointRecord& record = cache.Record(static_cast<size_t>(first));
   m_nodes.push_back({first, last, kNoChild, kNoChild, points[static_cast<size_t>(first)],
-                     points[static_cast<size_t>(first)]});
+                     points[static_cast<size_t>(first)],
+                     {record.latRad, record.latRad, record.lonRad, record.lonRad, record.cosLat, record.cosLat}});
   if (first == last) return id;
   const int middle = first + (last - first) / 2;
-  const int left = Build(points, first, middle);
-  const int right = Build(points, middle + 1, last);
+  const int left = Build(cache, points, first, middle);
+  const int right = Build(cache, points, middle + 1, last);
   TNode& node = m_nodes[static_cast<size_t>(id)];
+  const TNode& l = m_nodes[static_cast<size_t>(left)];
+  const TNode& r = m_nodes[static_cast<size_t>(right)];
   node.left = left;
   node.right = right;
   for (size_t k = 0; k < 3; ++k) {
-    node.low[k] = std::min(m_nodes[static_cast<size_t>(left)].low[k], m_nodes[static_cast<size_t>(right)].low[k]);
-    node.high[k] = std::max(m_nodes[static_cast<size_t>(left)].high[k], m_nodes[static_cast<size_t>(right)].high[k]);
+    node.low[k] = std::min(l.low[k], r.low[k]);
+    node.high[k] = std::max(l.high[k], r.high[k]);
   }
+  node.plane = {std::min(l.plane.latLow, r.plane.latLow), std::max(l.plane.latHigh, r.plane.latHigh),
+                std::min(l.plane.lonLow, r.plane.lonLow), std::max(l.plane.lonHigh, r.plane.lonHigh),
+                std::min(l.plane.cosLow, r.plane.cosLow), std::max(l.plane.cosHigh, r.plane.cosHigh)};
   return id;
 }
 

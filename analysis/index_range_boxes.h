@@ -11,6 +11,10 @@
 // arithmetic; MaxDistance and MinDistance widen them by kBoxBoundSlackM so
 // that rounding never makes a bound fall below a leg it should cover.
 //
+// Each node also keeps the range of its latitudes, longitudes and latitude
+// cosines (radians), the inputs of the local-plane turn direction, so that the
+// quadrilateral's convexity can be decided for whole ranges (CertainTurn).
+//
 // Node 0 is the root (every index); a node of one index has no children
 // (Left() and Right() return kNoChild). Building costs O(n) and 2n nodes.
 #pragma once
@@ -28,6 +32,13 @@ namespace velantis {
 // matters, so a bound never drops below a leg it covers.
 inline constexpr double kBoxBoundSlackM = 1e-6;
 
+// Ranges of the cached latitude, longitude (radians) and latitude cosine.
+struct TPlaneRanges {
+  double latLow, latHigh;
+  double lonLow, lonHigh;
+  double cosLow, cosHigh;
+};
+
 class TIndexRangeBoxes {
 public:
   static constexpr int kNoChild = -1;
@@ -42,6 +53,8 @@ public:
   int Left(int node) const { return m_nodes[static_cast<size_t>(node)].left; }
   int Right(int node) const { return m_nodes[static_cast<size_t>(node)].right; }
   bool IsLeaf(int node) const { return Left(node) == kNoChild; }
+
+  const TPlaneRanges& Plane(int node) const { return m_nodes[static_cast<size_t>(node)].plane; }
 
   // Square of the box's diagonal (unit-sphere chords): the search splits the
   // widest range first.
@@ -60,9 +73,10 @@ private:
     int right;
     std::array<double, 3> low;
     std::array<double, 3> high;
+    TPlaneRanges plane;
   };
 
-  int Build(const std::vector<std::array<double, 3>>& points, int first, int last);
+  int Build(const TFlightPointCache& cache, const std::vector<std::array<double, 3>>& points, int first, int last);
 
   std::vector<TNode> m_nodes;
 };
