@@ -3,6 +3,27 @@
 #include "analysis/search_windows.h"
 #include "analysis/turnpoint_search.h"
 
+// Choices the rules leave open:
+//
+// - Distance. The searches measure with the point cache's haversine on the
+//   FAI sphere (R = 6371 km): cheap with the cached cosines and exactly 0
+//   for equal points, which the tie rule needs. Rule sets measure the chosen
+//   points again on their own model (scoring_rules.h).
+// - Type numbers. 7 free distance, 1 FAI triangle, 8 quadrilateral, every
+//   other number the flat triangle; 3 is the one written for it.
+// - The best starts at score 0 with no turnpoints, so the first candidate
+//   of score 0 or more is taken; an FAI triangle refused by the leg rule
+//   scores 0 and is compared like any other (it wins only while the best is
+//   still 0), while a quadrilateral that does not count is not compared.
+// - Turn directions are the signs -1, 0, +1 of the cross products, compared
+//   as they are: three straight-on turns (all 0) count as one orientation,
+//   which keeps the equal-points case the same for every shape.
+// - The fine pass starts afresh in its windows; its windows hold the coarse
+//   turnpoints, so it always finds a shape, which replaces the coarse one.
+// - A track of fewer points than the shape's turnpoints (at least 2) gives no
+//   result, like one of fewer than 2 points; a cancel gives none either.
+// - The closing: see flight_closing.cpp.
+
 namespace velantis {
 
 namespace {

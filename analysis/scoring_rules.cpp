@@ -38,14 +38,14 @@ double ClosedShapeFactor(const TScoringRules& rules, const TOptimizationShape& s
 
 }  // namespace
 
-std::span<const TScoringRules> AllScoringRules() {
-  static const std::array<TScoringRules, 3> all{DhvOlcRules(), GlidersOlcRules(), FrenchCfdRules()};
+std::span<const TScoringRules* const> AllScoringRules() {
+  static const std::array<const TScoringRules*, 3> all{&DhvOlcRules(), &GlidersOlcRules(), &FrenchCfdRules()};
   return all;
 }
 
 const TScoringRules* FindScoringRules(std::string_view name) {
-  for (const TScoringRules& rules : AllScoringRules())
-    if (SameName(rules.name, name) || SameName(rules.alias, name)) return &rules;
+  for (const TScoringRules* rules : AllScoringRules())
+    if (SameName(rules->name, name) || SameName(rules->alias, name)) return rules;
   return nullptr;
 }
 

@@ -37,7 +37,7 @@ struct TScoringRules {
 };
 
 // The three rule sets in the frame's order.
-std::span<const TScoringRules> AllScoringRules();
+std::span<const TScoringRules* const> AllScoringRules();
 const TScoringRules& DhvOlcRules();
 const TScoringRules& GlidersOlcRules();
 const TScoringRules& FrenchCfdRules();

@@ -45,23 +45,25 @@ TEST(FlightClosing, AcceptanceTests) {
   }
 }
 
-// 2002 points: starts 0..999 lie 2 km and more east, except point 999 at the
-// finish; turnpoints 1000 and 1001; the last point is the finish. With 1000
-// points before P1 the start stride is 2, so point 999 is never tried and
-// the nearest pair found is 2 km apart.
-TEST(FlightClosing, StartPositionsAreThinned) {
+// 2002 points, turnpoints 1000 and 1001: with 1000 points on either side
+// both strides are 2, so starts 0, 2 ... 998 and finishes 1001, 1003 ...
+// 2001 are tried. Point 999 lies on finish 2001 and point 0 on finish 1002,
+// but 999 and 1002 are never tried: the nearest pair tried is 5 km apart.
+TEST(FlightClosing, StartAndFinishPositionsAreThinned) {
   std::vector<TOffsetM> points;
-  for (int i = 0; i < 1000; ++i) points.push_back({2000.0 + i, 0});
-  points[999] = {0, 0};
+  for (int i = 0; i < 1000; ++i) points.push_back({3000.0 + i, 0});
+  points[0] = {0, 0};
+  points[999] = {0, 5000};
   points.push_back({0, 20000});
   for (int i = 1001; i < 2001; ++i) points.push_back({20000, 20000.0 + i});
-  points.push_back({0, 0});
+  points[1002] = {0, 0};
+  points.push_back({0, 5000});
   const int turnpoints[] = {1000, 1001};
   TFlightClosing closing;
   ASSERT_TRUE(CloseFlight(CacheOf(points), turnpoints, nullptr, closing));
   EXPECT_EQ(closing.start, 0);
   EXPECT_EQ(closing.finish, 2001);
-  EXPECT_NEAR(closing.gapM, 2000, 5);
+  EXPECT_NEAR(closing.gapM, 5000, 5);
   EXPECT_FALSE(closing.stands);
 }
 

@@ -84,13 +84,5 @@ TEST(OptimizationShape, TurnDirectionIsPositiveToTheLeft) {
   EXPECT_EQ(TurnDirection(cache, 0, 1, 4), 0);   // straight on
 }
 
-TEST(OptimizationShape, DistanceIgnoresTheRules) {
-  // ShapeDistance is the plain sum even where ShapeScore refuses the shape.
-  const TFlightPointCache cache = CacheOf({{0, 0}, {3000, 0}, {3000, 4000}});
-  const int indices[] = {0, 1, 2};
-  EXPECT_NEAR(ShapeDistance(cache, ShapeForKind(TShapeKind::FaiTriangle), indices), 12000, 30);
-  EXPECT_NEAR(ShapeDistance(cache, ShapeForKind(TShapeKind::FreeDistance), {indices, 2}), 3000, 10);
-}
-
 }  // namespace
 }  // namespace velantis

@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "analysis/optimization_route.h"
 #include "analysis/turnpoint_search.h"
+#include "core/track.h"
 #include "tests/analysis/flight_samples.h"
 
 namespace velantis {
@@ -127,6 +129,37 @@ TEST(FlightOptimizer, ProgressAndCancel) {
   result.turnpoints[0] = 5;
   EXPECT_FALSE(OptimizeFlight(cache, ShapeForKind(TShapeKind::Triangle), &cancelled, {}, result));
   EXPECT_FALSE(result.Found());
+}
+
+// The route leaves out a start and finish that did not stand; the index list
+// keeps their places.
+TEST(OptimizationRoute, NamesAndIndices) {
+  TTrack track;
+  for (int i = 0; i < 6; ++i) track.Anyade_Punto_Temps(45.0 + 0.01 * i, 6.0, 1000.0f + static_cast<float>(i), TDateTime());
+  struct TCase {
+    int start, finish;
+    std::vector<std::string> names;
+    std::vector<int> indices;
+  };
+  const TCase cases[] = {
+      {0, 5, {"Start", "Point 1", "Point 2", "Point 3", "Finish"}, {0, 1, 3, 4, 5}},
+      {kNoPoint, kNoPoint, {"Point 1", "Point 2", "Point 3"}, {-1, 1, 3, 4, -1}},
+  };
+  for (const TCase& c : cases) {
+    TOptimizationResult result;
+    result.type = kOptimizationTypeTriangle;
+    result.turnpointCount = 3;
+    result.turnpoints = {1, 3, 4, kNoPoint};
+    result.start = c.start;
+    result.finish = c.finish;
+    TRuta route;
+    std::vector<int> indices;
+    BuildOptimizationRoute(track, result, route, indices);
+    EXPECT_EQ(indices, c.indices);
+    ASSERT_EQ(route.Count(), c.names.size());
+    for (size_t i = 0; i < route.Count(); ++i) EXPECT_EQ(route.Point(i).baliza.Name(), c.names[i]);
+    EXPECT_DOUBLE_EQ(route.Point(1).baliza.Latitude(), c.start == kNoPoint ? 45.03 : 45.01);
+  }
 }
 
 }  // namespace
