@@ -1,6 +1,6 @@
 // velantis optimize FILE [--type free|triangle|fai|quad] [--rules NAME]
-// [--json] [--save-route FILE.rte] [--save-track]: the turnpoints of the
-// longest contest shape in a flight track, scored under a rule set.
+// [--exact] [--json] [--save-route FILE.rte] [--save-track]: the turnpoints
+// of the longest contest shape in a flight track, scored under a rule set.
 //
 // The search is one TFlightSearch value chosen in ChooseSearch, so another
 // search (the exact one) takes its place without touching the rest.
@@ -8,6 +8,7 @@
 #include <iostream>
 #include <optional>
 
+#include "analysis/exact_flight_optimizer.h"
 #include "analysis/optimization_route.h"
 #include "analysis/optimization_track_marks.h"
 #include "analysis/track_optimization.h"
@@ -30,12 +31,15 @@ struct TOptimizeOptions {
   std::string file;
   std::string type = "free";
   std::string rules = std::string(DhvOlcRules().name);
+  bool exact = false;
   bool json = false;
   std::optional<std::string> saveRoute;
   bool saveTrack = false;
 };
 
-TFlightSearch ChooseSearch(const TOptimizeOptions&) { return DefaultFlightSearch; }
+TFlightSearch ChooseSearch(const TOptimizeOptions& options) {
+  return options.exact ? TFlightSearch(ExactFlightSearch) : TFlightSearch(DefaultFlightSearch);
+}
 
 struct TPrintedPoint {
   const TBaliza& baliza;
@@ -134,6 +138,8 @@ void AddOptimizeCommand(CLI::App& app, const TGlobalOptions& global, int& exitCo
   command->add_option("--rules", options->rules,
                       "the rule set: \"DHV, HG/PG OLC\" (dhv, the default), \"Gliders OLC\" (gliders) or "
                       "\"French CFD\" (cfd)");
+  command->add_flag("--exact", options->exact,
+                    "prove the optimum (branch and bound) instead of the default coarse-then-fine search");
   command->add_flag("--json", options->json, "machine output");
   command->add_option("--save-route", options->saveRoute, "write the result route to this file (.rte)");
   command->add_flag("--save-track", options->saveTrack, "store the result in the track file");
