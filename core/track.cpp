@@ -82,6 +82,11 @@ void TTrack::SetColour(TTrackColour colour) {
   Touch();
 }
 
+void TTrack::SetKeptRecords(TKeptRecords records) {
+  m_keptRecords = std::move(records);
+  Touch();
+}
+
 void TTrack::SetDrawing(TTrackDrawing drawing) {
   m_drawing = std::move(drawing);
   Touch();

@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "core/elemento_gps.h"
+#include "core/kept_records.h"
 #include "core/track_statistics.h"
 #include "core/trk_pnt.h"
 
@@ -118,6 +119,10 @@ public:
   int64_t ZLinePosition() const { return m_zLinePosition; }
   void SetZLinePosition(int64_t position) { m_zLinePosition = position; }
 
+  // The lines of an exchange file the track has no field for (kept_records.h).
+  const TKeptRecords& KeptRecords() const { return m_keptRecords; }
+  void SetKeptRecords(TKeptRecords records);
+
   int AltitudeSource() const { return m_altitudeSource; }
   void SetAltitudeSource(int source);
 
@@ -161,6 +166,7 @@ private:
   double m_timeOffsetDays = 0;
   std::vector<std::pair<int, int>> m_markedPairs;
   int64_t m_zLinePosition = -1;
+  TKeptRecords m_keptRecords;
   int m_altitudeSource = 0;
 
   mutable bool m_statisticsValid = false;

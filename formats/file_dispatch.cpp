@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <initializer_list>
 
+#include "formats/igc_file.h"
 #include "formats/rte_file.h"
 #include "formats/trk_file.h"
 #include "formats/wpt_file.h"
@@ -28,6 +29,25 @@ bool Refuse(const std::string& path, std::string& error) {
   return false;
 }
 
+// The track formats, by extension.
+struct TTrackFormat {
+  std::string_view extension;
+  bool (*read)(const std::string&, const TNativeOptions&, TTrack&, std::string&);
+  bool (*write)(const std::string&, TTrack&, const TNativeOptions&, std::string&);
+};
+
+const TTrackFormat kTrackFormats[] = {
+    {"TRK", ReadTrkFile, WriteTrkFile},
+    {"IGC", ReadIgcFile, WriteIgcFile},
+};
+
+const TTrackFormat* FindTrackFormat(const std::string& path) {
+  const std::string upper = Upper(FileExtension(path));
+  for (const TTrackFormat& f : kTrackFormats)
+    if (f.extension == upper) return &f;
+  return nullptr;
+}
+
 // Saves through write (which refuses a save-prohibited element), marking the
 // element saved on success.
 template <typename TElement, typename TWrite>
@@ -48,7 +68,7 @@ TElementKind KindOfFile(const std::string& path) {
   const std::string extension = FileExtension(path);
   if (IsOneOf(extension, {"WPT", "MRK"})) return TElementKind::Waypoints;
   if (IsOneOf(extension, {"RTE"})) return TElementKind::Route;
-  if (IsOneOf(extension, {"TRK"})) return TElementKind::Track;
+  if (FindTrackFormat(path)) return TElementKind::Track;
   return TElementKind::Unknown;
 }
 
@@ -86,13 +106,15 @@ bool SaveRoute(const std::string& path, TRuta& route, const TNativeOptions& opti
 }
 
 bool OpenTrack(const std::string& path, const TNativeOptions& options, TTrack& track, std::string& error) {
-  if (!IsOneOf(FileExtension(path), {"TRK"})) return Refuse(path, error);
-  return ReadTrkFile(path, options, track, error);
+  const TTrackFormat* format = FindTrackFormat(path);
+  if (!format) return Refuse(path, error);
+  return format->read(path, options, track, error);
 }
 
 bool SaveTrack(const std::string& path, TTrack& track, const TNativeOptions& options, std::string& error) {
-  if (!IsOneOf(FileExtension(path), {"TRK"})) return Refuse(path, error);
-  return SaveMarked(track, [&] { return WriteTrkFile(path, track, options, error); });
+  const TTrackFormat* format = FindTrackFormat(path);
+  if (!format) return Refuse(path, error);
+  return SaveMarked(track, [&] { return format->write(path, track, options, error); });
 }
 
 bool OpenElementFile(const std::string& path, const TNativeOptions& options, TElementFile& file, std::string& error) {

@@ -7,9 +7,10 @@
 // reads OziExplorer waypoint files and marks the list as OziExplorer-born)
 // and save to "WPT" (refused for an OziExplorer-born list). Routes open from
 // "RTE" (native, OziExplorer or Magellan) and save to "RTE" (refused for an
-// OziExplorer- or Magellan-born route). Tracks open from and save to "TRK". Nothing is
-// written for an element whose save-prohibited bit is set. After a complete
-// save the element is marked as saved.
+// OziExplorer- or Magellan-born route). Tracks open from and save to "TRK"
+// and "IGC" (igc_file.h). Nothing is written for an element whose
+// save-prohibited bit is set. After a complete save the element is marked
+// as saved.
 #pragma once
 
 #include <string>

@@ -38,6 +38,7 @@ struct TNativeHeader {
   std::string codePage;  // "" when the file had no "B" line
   std::string datum = std::string(kWgs84Name);
   int notation = 0;
+  size_t badRecords = 0;  // records the reader skipped as unreadable (IGC)
 };
 
 struct TNativeOptions {

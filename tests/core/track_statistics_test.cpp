@@ -3,14 +3,13 @@
 #include <geodesic.h>  // PROJ's geodesic routines, the code behind `geod -I`
 #include <gtest/gtest.h>
 
-#include <charconv>
 #include <cmath>
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include "core/geodesic.h"
 #include "core/track.h"
+#include "formats/igc_file.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -122,38 +121,11 @@ TEST(TrackStatistics, SegmentGapsAreNotTravelled) {
 // Real flights: the track distance against PROJ's geodesic inverse summed
 // over the same fixes (an independent implementation of the geodesic, the
 // one `geod -I` prints), the fix count and the duration against the test
-// data manifest. The flight logs are read where they are: the HFDTE date and
-// the B records (time HHMMSS, DDMMmmmN, DDDMMmmmE, validity, pressure and GPS
-// altitudes); a clock more than 12 h behind the last fix has passed midnight.
-int Digits(const std::string& text, size_t at, size_t count) {
-  int value = 0;
-  std::from_chars(text.data() + at, text.data() + at + count, value);
-  return value;
-}
-
-double Angle(const std::string& text, size_t at, size_t degreeDigits) {
-  const double v = Digits(text, at, degreeDigits) + Digits(text, at + degreeDigits, 5) / 60000.0;
-  const char hemisphere = text[at + degreeDigits + 5];
-  return hemisphere == 'S' || hemisphere == 'W' ? -v : v;
-}
-
+// data manifest. The flight logs are read by the IGC reader.
 TTrack ReadIgc(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
   TTrack track;
-  TDateTime date;
-  double days = 0, last = -1;
-  for (std::string line; std::getline(in, line);) {
-    if (line.starts_with("HFDTE")) {  // "HFDTEDDMMYY" or "HFDTEDATE:DDMMYY,NN"
-      const size_t at = line.find_first_of("0123456789");
-      date = TDateTime::FromCalendar(2000 + Digits(line, at + 4, 2), Digits(line, at + 2, 2), Digits(line, at, 2));
-    } else if (line.starts_with('B') && line.size() >= 35) {
-      const double seconds = Digits(line, 1, 2) * 3600.0 + Digits(line, 3, 2) * 60.0 + Digits(line, 5, 2);
-      if (seconds < last - 43200) days += 1;
-      last = seconds;
-      track.Anyade_Punto_Temps(Angle(line, 7, 2), Angle(line, 15, 3), static_cast<float>(Digits(line, 30, 5)),
-                               date.PlusSeconds(seconds + days * kSecondsPerDay));
-    }
-  }
+  std::string error;
+  EXPECT_TRUE(ReadIgcFile(file.string(), TNativeOptions(), track, error)) << error;
   return track;
 }
 

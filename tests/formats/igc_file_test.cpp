@@ -1,0 +1,319 @@
+// IGC flight logs: real logs against the test data manifest and against
+// GPSBabel (its decoded reference file and the program itself), the date
+// forms, midnight, bad records, the extensions, and the bytes written back.
+#include "formats/igc_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include "tests/support/testdata.h"
+
+namespace velantis {
+namespace {
+
+std::string Lines(std::initializer_list<std::string_view> lines) {
+  std::string text;
+  for (std::string_view line : lines) (text += line) += "\r\n";
+  return text;
+}
+
+std::string Iso(TDateTime t) {
+  std::string text = t.ToIsoText();
+  if (!text.empty()) text = text.substr(0, 10) + "T" + text.substr(11) + "Z";
+  return text;
+}
+
+bool Read(std::string_view bytes, TTrack& track, size_t& bad) {
+  TNativeOptions options;
+  TNativeHeader header;
+  options.header = &header;
+  std::string error;
+  const bool ok = ReadIgc(bytes, options, track, error);
+  bad = header.badRecords;
+  return ok;
+}
+
+std::string Written(const TTrack& track) {
+  std::string text, error;
+  EXPECT_TRUE(WriteIgc(track, TNativeOptions(), text, error)) << error;
+  return text;
+}
+
+// A fix as GPX gives it.
+struct TGpxFix {
+  double lat, lon, ele;
+  std::string time;
+};
+
+// The points of the GPX track named name.
+std::vector<TGpxFix> GpxTrack(const std::string& gpx, const std::string& name) {
+  std::vector<TGpxFix> fixes;
+  const size_t from = gpx.find("<name>" + name + "</name>");
+  if (from == std::string::npos) return fixes;
+  const std::string track = gpx.substr(from, gpx.find("</trk>", from) - from);
+  static const std::regex kPoint(
+      R"re(<trkpt lat="([-0-9.]+)" lon="([-0-9.]+)">\s*<ele>([-0-9.]+)</ele>\s*<time>([^<]+)</time>)re");
+  for (std::sregex_iterator it(track.begin(), track.end(), kPoint), end; it != end; ++it)
+    fixes.push_back({std::stod((*it)[1]), std::stod((*it)[2]), std::stod((*it)[3]), (*it)[4]});
+  return fixes;
+}
+
+// GPX prints degrees with nine decimals.
+constexpr double kGpxDegreeTolerance = 0.6e-9;
+
+// dayShift: days GPSBabel's time is ahead of ours (it adds a day whenever
+// the clock goes back; we only when it goes back more than 12 hours).
+void ExpectSameFixes(const TTrack& track, const std::vector<TGpxFix>& fixes, bool gnss, size_t shiftFrom = SIZE_MAX) {
+  ASSERT_EQ(fixes.size(), track.Count());
+  for (size_t i = 0; i < fixes.size(); ++i) {
+    SCOPED_TRACE(i);
+    const TrkPnt& p = track.Point(i);
+    EXPECT_NEAR(p.lat, fixes[i].lat, kGpxDegreeTolerance);
+    EXPECT_NEAR(p.lon, fixes[i].lon, kGpxDegreeTolerance);
+    EXPECT_EQ(gnss ? p.altitude : p.altitudeBarometric, fixes[i].ele);
+    EXPECT_EQ(Iso(i >= shiftFrom ? p.time.PlusSeconds(kSecondsPerDay) : p.time), fixes[i].time);
+  }
+}
+
+TEST(IgcFile, Igc2AgreesWithGpsbabelsDecodedReference) {
+  VELANTIS_TESTDATA_OR_SKIP(igc, "igc/igc2.igc");
+  VELANTIS_TESTDATA_OR_SKIP(gpx, "igc/igc2_gpx.out");
+  TTrack track;
+  size_t bad = 0;
+  ASSERT_TRUE(Read(test::FileBytes(igc), track, bad));
+  EXPECT_EQ(bad, 0u);
+  // The eighth fix (16:02:48) comes after 16:03:10: GPSBabel dates it and
+  // the next one a day later; a logger's out-of-order fix stays on its day.
+  const std::string reference = test::FileBytes(gpx);
+  ExpectSameFixes(track, GpxTrack(reference, "GNSSALTTRK"), true, 7);
+  ExpectSameFixes(track, GpxTrack(reference, "PRESALTTRK"), false, 7);
+}
+
+TEST(IgcFile, GpsbabelReadsTheSameFixes) {
+  if (std::system("gpsbabel -V > /dev/null 2>&1") != 0) GTEST_SKIP() << "gpsbabel not installed";
+  for (const char* name : {"igc/marcourt.igc", "igc/d3p.igc"}) {
+    SCOPED_TRACE(name);
+    VELANTIS_TESTDATA_OR_SKIP(path, name);
+    std::string gpx;
+    FILE* pipe = popen(("gpsbabel -i igc -f '" + path.string() + "' -o gpx -F -").c_str(), "r");
+    ASSERT_NE(pipe, nullptr);
+    char buffer[65536];
+    for (size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;) gpx.append(buffer, n);
+    ASSERT_EQ(pclose(pipe), 0);
+    TTrack track;
+    size_t bad = 0;
+    ASSERT_TRUE(Read(test::FileBytes(path), track, bad));
+    ExpectSameFixes(track, GpxTrack(gpx, "GNSSALTTRK"), true);
+    ExpectSameFixes(track, GpxTrack(gpx, "PRESALTTRK"), false);
+  }
+}
+
+// Fix counts and durations from the test data manifest; every file written
+// back gives its own bytes, except that line ends become CR LF.
+TEST(IgcFile, RealLogsReadAndWriteBack) {
+  const struct {
+    const char* file;
+    size_t fixes;
+    double hours, tolerance;
+    bool crlf;  // the file's line ends are all CR LF already
+  } logs[] = {
+      {"marcourt.igc", 221, 3.6 / 60, 0.1 / 60, true},
+      {"tri.igc", 4514, 1.25, 0.005, false},  // no line end after the last line
+      {"flat-xcontest-8.01.igc", 2735, 0.76, 0.005, true},
+      {"d3p.igc", 2527, 3.5, 0.05, true},
+      {"discontinuity.igc", 4708, 2.5, 0.05, false},  // bare LF line ends
+      {"line.igc", 8528, 2.4, 0.05, true},
+      {"trifai-xcontest-189.65.igc", 17817, 4.95, 0.005, true},
+      {"trifai-xcontest-307.57.igc", 25809, 7.2, 0.05, true},
+      {"record_de_france.igc", 7292, 10.2, 0.05, true},
+      {"freeflight-xcontest-465.33.igc", 38675, 10.7, 0.05, true},
+      {"9crx3101.igc", 7630, 3.55, 0.005, true},
+      {"01lz1hq1.igc", 4960, 5.5, 0.05, true},
+      {"igc2.igc", 9, 12.0 / 3600, 0.5 / 3600, true},  // 16:02:40 to 16:02:52, the last two fixes out of order
+  };
+  for (const auto& log : logs) {
+    SCOPED_TRACE(log.file);
+    VELANTIS_TESTDATA_OR_SKIP(path, std::string("igc/") + log.file);
+    const std::string bytes = test::FileBytes(path);
+    TTrack track;
+    size_t bad = 0;
+    ASSERT_TRUE(Read(bytes, track, bad));
+    EXPECT_EQ(bad, 0u);
+    ASSERT_EQ(track.Count(), log.fixes);
+    EXPECT_NEAR(track.Point(0).time.SecondsTo(track.Point(track.Count() - 1).time) / 3600, log.hours, log.tolerance);
+    std::string expected = bytes;
+    if (!log.crlf) {
+      expected = std::regex_replace(bytes, std::regex("\r?\n"), "\r\n");
+      if (!expected.ends_with("\r\n")) expected += "\r\n";
+    }
+    EXPECT_TRUE(Written(track) == expected) << "the written log differs from the file";
+  }
+}
+
+// A fix at 51°07.121'N 2°49.342'W, pressure 280 m, GNSS 421 m.
+constexpr std::string_view kFixPosition = "5107121N00249342WA0028000421";
+
+std::string Fix(std::string_view hhmmss, std::string_view rest = kFixPosition) {
+  return "B" + std::string(hhmmss) + std::string(rest);
+}
+
+TEST(IgcFile, DatesMidnightAndBadRecords) {
+  const struct {
+    const char* why;
+    std::string text;
+    size_t fixes, bad;
+    const char* first;
+    const char* last;
+  } cases[] = {
+      {"short date form", Lines({"AXXXABC", "HFDTE160701", Fix("160240")}), 1, 0, "2001-07-16T16:02:40Z",
+       "2001-07-16T16:02:40Z"},
+      {"long date form with the flight number", Lines({"HFDTEDATE:260919,02", Fix("135959")}), 1, 0,
+       "2019-09-26T13:59:59Z", "2019-09-26T13:59:59Z"},
+      {"midnight passed: the clock goes back more than 12 h", Lines({"HFDTE311299", Fix("235950"), Fix("000010")}),
+       2, 0, "1999-12-31T23:59:50Z", "2000-01-01T00:00:10Z"},
+      {"a fix out of order by seconds stays on its day", Lines({"HFDTE160701", Fix("160310"), Fix("160248")}), 2,
+       0, "2001-07-16T16:03:10Z", "2001-07-16T16:02:48Z"},
+      {"a date line after the fixes still dates them", Lines({Fix("120000"), "HFDTE010203"}), 1, 0,
+       "2003-02-01T12:00:00Z", "2003-02-01T12:00:00Z"},
+      {"without a date the fixes fall on day 0", Lines({Fix("120000")}), 1, 0, "1899-12-30T12:00:00Z",
+       "1899-12-30T12:00:00Z"},
+      {"a date that does not exist is bad; the next date line counts",
+       Lines({"HFDTE290299", "HFDTE010399", Fix("080000")}), 1, 1, "1999-03-01T08:00:00Z", "1999-03-01T08:00:00Z"},
+      {"bad fixes are skipped and counted",
+       Lines({"HFDTE160701", Fix("100000"), Fix("106000"), Fix("100001", "5107121X00249342WA0028000421"),
+              Fix("100002", "5107121N00249342WZ0028000421"), Fix("100003", "5107121N00249342WA002800042"),
+              Fix("100004", "5107121N00249342WA00280004O1"), Fix("100005", "5107121N00249342WA00280-1500"),
+              Fix("100006", "9100000N00249342WA0028000421"), Fix("100007", "5160001N00249342WA0028000421"),
+              Fix("100008")}),
+       2, 8, "2001-07-16T10:00:00Z", "2001-07-16T10:00:08Z"},
+      {"a fix shorter than its extensions is bad", Lines({"HFDTE160701", "I013638FXA", Fix("100000")}), 0, 1, "",
+       ""},
+      {"a bad I record: the bytes after the fixed part are kept with the fix",
+       Lines({"HFDTE160701", "I023638FXA39", Fix("100000", std::string(kFixPosition) + "03507")}), 1, 1,
+       "2001-07-16T10:00:00Z", "2001-07-16T10:00:00Z"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    TTrack track;
+    size_t bad = 0;
+    ASSERT_TRUE(Read(c.text, track, bad));
+    EXPECT_EQ(track.Count(), c.fixes);
+    EXPECT_EQ(bad, c.bad);
+    if (track.Count() > 0) {
+      EXPECT_EQ(Iso(track.Point(0).time), c.first);
+      EXPECT_EQ(Iso(track.Point(track.Count() - 1).time), c.last);
+    }
+    EXPECT_EQ(Written(track), c.text);
+  }
+}
+
+TEST(IgcFile, FixFieldsAndExtensions) {
+  const float kNone = kAltitudeUnknownM;
+  const struct {
+    const char* why;
+    std::string iRecord, fix;
+    double lat, lon;
+    float altitude, barometric, accuracy;
+    int satellites;
+    const char* property;  // code=value kept with the point, or ""
+  } cases[] = {
+      {"LAD and LOD add a digit to the minutes; no pressure sensor", "I023636LAD3737LOD",
+       "B1339094549172N01145793EA000000071526", 45 + 49.1722 / 60, 11 + 45.7936 / 60, 715, kNone, 0, 0, ""},
+      {"FXA and SIU fill accuracy and satellites; ENL is kept by its code", "I033638FXA3940SIU4143ENL",
+       "B1602405407121N00249342WA002800042102509020", 54 + 7.121 / 60, -(2 + 49.342 / 60), 421, 280, 25, 9,
+       "ENL=020"},
+      {"'V' has no GNSS altitude; a pressure altitude below zero", "",
+       "B0026053559520S14621495EV-001200000", -(35 + 59.52 / 60), 146 + 21.495 / 60, kNone, -12, 0, 0, ""},
+      {"an FXA that is not digits is kept as text", "I013638FXA", "B1602405407121N00249342WA0028000421 x5",
+       54 + 7.121 / 60, -(2 + 49.342 / 60), 421, 280, 0, 0, "FXA= x5"},
+      {"bytes after the extensions are kept", "I013638FXA", "B1602405407121N00249342WA0028000421035zz",
+       54 + 7.121 / 60, -(2 + 49.342 / 60), 421, 280, 35, 0, "B tail=zz"},
+      {"minutes of 60.000 read as the next degree; the record is kept as it was", "",
+       "B0224073630099S14560000EA0133901401", -(36 + 30.099 / 60), 146, 1401, 1339, 0, 0,
+       "B record=B0224073630099S14560000EA0133901401"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.why);
+    const std::string text = c.iRecord.empty() ? Lines({c.fix}) : Lines({c.iRecord, c.fix});
+    TTrack track;
+    size_t bad = 0;
+    ASSERT_TRUE(Read(text, track, bad));
+    ASSERT_EQ(track.Count(), 1u);
+    const TrkPnt& p = track.Point(0);
+    EXPECT_NEAR(p.lat, c.lat, 1e-12);
+    EXPECT_NEAR(p.lon, c.lon, 1e-12);
+    EXPECT_EQ(p.altitude, c.altitude);
+    EXPECT_EQ(p.altitudeBarometric, c.barometric);
+    EXPECT_EQ(p.accuracyM, c.accuracy);
+    EXPECT_EQ(p.satellites, c.satellites);
+    const TPropertyList* properties = track.PointProperties(0);
+    std::string kept;
+    for (size_t i = 0; properties && i < properties->Count(); ++i)
+      kept += properties->Item(i).first + "=" + properties->Item(i).second;
+    EXPECT_EQ(kept, c.property);
+    EXPECT_EQ(Written(track), text);
+  }
+}
+
+TEST(IgcFile, ATrackFromElsewhereGetsItsOwnHeader) {
+  TTrack track;
+  TrkPnt p;
+  p.lat = -(33 + 1.5 / 60);
+  p.lon = 151 + 12.25 / 60;
+  p.altitude = 1234;
+  p.altitudeBarometric = 1200;
+  p.satellites = 7;
+  p.time = TDateTime::FromCalendar(2024, 6, 5, 23, 59, 58);
+  track.Anyade_Punt(p);
+  p.altitude = kAltitudeUnknownM;
+  p.time = p.time.PlusSeconds(4);
+  track.Anyade_Punt(p);
+  const std::string text = Written(track);
+  EXPECT_EQ(text, Lines({"AXVLVelantis", "HFDTEDATE:050624,01", "I023638FXA3940SIU",
+                         "B2359583301500S15112250EA012000123400007", "B0000023301500S15112250EV012000000000007"}));
+  TTrack back;
+  size_t bad = 0;
+  ASSERT_TRUE(Read(text, back, bad));
+  ASSERT_EQ(back.Count(), 2u);
+  EXPECT_NEAR(back.Point(1).time.SecondsTo(p.time), 0, 1e-6);
+  EXPECT_NEAR(back.Point(1).lat, p.lat, 1e-12);
+}
+
+TEST(IgcFile, TheDateLineFollowsTheFirstPoint) {
+  TTrack track;
+  size_t bad = 0;
+  ASSERT_TRUE(Read(Lines({"HFDTEDATE:160701,03", Fix("100000"), "LXXX note"}), track, bad));
+  TrkPnt p = track.Point(0);
+  p.time = p.time.PlusSeconds(2 * kSecondsPerDay + 1);
+  ASSERT_TRUE(track.SetPoint(0, p));
+  EXPECT_EQ(Written(track), Lines({"HFDTEDATE:180701,03", Fix("100001"), "LXXX note"}));
+}
+
+TEST(IgcFile, ProgressCountsLinesAndCancelStops) {
+  const std::string text = Lines({"HFDTE160701", Fix("100000"), Fix("100001"), "LXXX"});
+  TNativeOptions options;
+  TProgress progress;
+  options.progress = &progress;
+  TTrack track;
+  std::string error;
+  ASSERT_TRUE(ReadIgc(text, options, track, error));
+  EXPECT_EQ(progress.Total(), 4);
+  EXPECT_EQ(progress.Steps(), 4);
+
+  const auto file = test::ScratchDir("igc-cancel") / "old.igc";
+  ASSERT_TRUE(WriteIgcFile(file.string(), track, TNativeOptions(), error)) << error;
+  progress.Cancel();
+  TTrack other;
+  EXPECT_FALSE(ReadIgc(text, options, other, error));
+  EXPECT_EQ(error, kCancelledError);
+  track.Anyade_Punt(track.Point(0));
+  EXPECT_FALSE(WriteIgcFile(file.string(), track, options, error));
+  EXPECT_EQ(test::FileBytes(file), text);
+}
+
+}  // namespace
+}  // namespace velantis
