@@ -1,5 +1,6 @@
 // velantis info FILE [--json]: what a data or calibration file holds.
 #include <CLI/CLI.hpp>
+#include <cctype>
 #include <iostream>
 
 #include "cli/command.h"
@@ -35,9 +36,17 @@ std::string BoundsText(const TBoundingBox& box, const char* separator) {
          Fixed(box.maxLat, kDegreeDecimals) + separator + Fixed(box.maxLon, kDegreeDecimals);
 }
 
-void PrintText(const TElementSummary& s, const TNativeHeader& header) {
+// Only the formats whose readers skip bad records show how many they skipped.
+bool CountsBadRecords(const std::string& path) {
+  std::string extension = FileExtension(path);
+  for (char& c : extension) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return extension == "IGC";
+}
+
+void PrintText(const TElementSummary& s, const TNativeHeader& header, bool badRecords) {
   std::cout << "kind: " << s.kind << "\nname: " << s.name << "\ncount: " << s.count << "\n";
   if (s.kind == "track") std::cout << "segments: " << s.segments << "\n";
+  if (badRecords) std::cout << "bad_records: " << header.badRecords << "\n";
   std::cout << "datum: " << header.datum << "\nnotation: " << header.notation << "\n";
   std::cout << "bounds: " << (s.bounds.empty ? "none" : BoundsText(s.bounds, " ")) << "\n";
   std::cout << "start: " << (s.start.IsNull() ? "none" : IsoTime(s.start)) << "\n";
@@ -45,10 +54,11 @@ void PrintText(const TElementSummary& s, const TNativeHeader& header) {
   if (s.hasDistance) std::cout << "distance_m: " << Fixed(s.distanceM, kMetreDecimals) << "\n";
 }
 
-void PrintJson(const TElementSummary& s, const TNativeHeader& header) {
+void PrintJson(const TElementSummary& s, const TNativeHeader& header, bool badRecords) {
   const auto timeOrNull = [](TDateTime t) { return t.IsNull() ? std::string("null") : JsonString(IsoTime(t)); };
   std::cout << "{\"kind\":" << JsonString(s.kind) << ",\"name\":" << JsonString(s.name) << ",\"count\":" << s.count;
   if (s.kind == "track") std::cout << ",\"segments\":" << s.segments;
+  if (badRecords) std::cout << ",\"bad_records\":" << header.badRecords;
   std::cout << ",\"datum\":" << JsonString(header.datum) << ",\"notation\":" << header.notation;
   std::cout << ",\"bounds\":" << (s.bounds.empty ? "null" : "[" + BoundsText(s.bounds, ",") + "]");
   std::cout << ",\"start\":" << timeOrNull(s.start) << ",\"end\":" << timeOrNull(s.end);
@@ -76,9 +86,9 @@ int Run(const TInfoOptions& options, const TGlobalOptions& global) {
   }
   const TElementSummary summary = SummarizeElement(file);
   if (options.json) {
-    PrintJson(summary, header);
+    PrintJson(summary, header, CountsBadRecords(options.file));
   } else {
-    PrintText(summary, header);
+    PrintText(summary, header, CountsBadRecords(options.file));
   }
   return kExitOk;
 }
@@ -88,7 +98,7 @@ int Run(const TInfoOptions& options, const TGlobalOptions& global) {
 void AddInfoCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto options = std::make_shared<TInfoOptions>();
   auto* command = app.add_subcommand("info", "what a data or map file holds");
-  command->add_option("file", options->file, "a waypoint (.wpt), route (.rte), track (.trk) or calibration (.imp, .map) file")->required();
+  command->add_option("file", options->file, "a waypoint (.wpt), route (.rte), track (.trk), flight log (.igc) or calibration (.imp, .map) file")->required();
   command->add_flag("--json", options->json, "machine output");
   command->callback([options, &global, &exitCode] { exitCode = Run(*options, global); });
 }

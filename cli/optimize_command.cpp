@@ -5,6 +5,8 @@
 // The search is one TFlightSearch value chosen in ChooseSearch, so another
 // search (the exact one) takes its place without touching the rest.
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
 #include <iostream>
 #include <optional>
 
@@ -26,6 +28,11 @@ constexpr int kMetreDecimals = 3;
 constexpr int kPointDecimals = 3;
 constexpr std::string_view kUnknownRules = "Unknown rule set: ";
 constexpr std::string_view kNoResult = "No result: the track has too few points for the shape";
+// Only the native track file keeps properties for the track and its points;
+// an IGC log would be rewritten without the result.
+constexpr std::string_view kSaveTrackNeedsTrk =
+    "The result can only be stored in a .trk file: convert the flight to .trk first";
+constexpr std::string_view kNativeTrackExtension = "trk";
 
 struct TOptimizeOptions {
   std::string file;
@@ -36,6 +43,12 @@ struct TOptimizeOptions {
   std::optional<std::string> saveRoute;
   bool saveTrack = false;
 };
+
+bool SameLetters(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
+         });
+}
 
 TFlightSearch ChooseSearch(const TOptimizeOptions& options) {
   return options.exact ? TFlightSearch(ExactFlightSearch) : TFlightSearch(DefaultFlightSearch);
@@ -90,6 +103,10 @@ int Run(const TOptimizeOptions& options, const TGlobalOptions& global) {
     PrintError(std::string(kUnknownRules) + options.rules);
     return kExitRefused;
   }
+  if (options.saveTrack && !SameLetters(FileExtension(options.file), kNativeTrackExtension)) {
+    PrintError(kSaveTrackNeedsTrk);
+    return kExitRefused;
+  }
   const TOptimizationShape& shape = *ShapeForName(options.type);
   TRuntime runtime;
   if (!StartRuntime(global, runtime)) return kExitRefused;
@@ -132,7 +149,7 @@ int Run(const TOptimizeOptions& options, const TGlobalOptions& global) {
 void AddOptimizeCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto options = std::make_shared<TOptimizeOptions>();
   auto* command = app.add_subcommand("optimize", "flight distance optimisation of a track");
-  command->add_option("file", options->file, "the flight track (.trk)")->required();
+  command->add_option("file", options->file, "the flight track (.trk or .igc)")->required();
   command->add_option("--type", options->type, "the shape: free (two turnpoints), triangle, fai or quad")
       ->check(CLI::IsMember({"free", "triangle", "fai", "quad"}));
   command->add_option("--rules", options->rules,

@@ -91,6 +91,27 @@ TEST(FlightOptimizer, FaiRuleRefusesTheLongestTriangle) {
   }
 }
 
+// Four points visited in bow-tie order form no quadrilateral that counts;
+// with a fifth the search takes the longest convex one.
+TEST(FlightOptimizer, QuadrilateralsThatDoNotCountAreNotTaken) {
+  struct TCase {
+    const char* what;
+    std::vector<TOffsetM> points;
+    std::vector<int> expected;  // empty: no result
+  };
+  const TCase cases[] = {
+      {"bow tie only", {{0, 0}, {4000, 4000}, {4000, 0}, {0, 4000}}, {}},
+      // (0, 1, 2, 3) is the bow tie; (0, 2, 3, 4) is a convex 4 x 4 km square
+      {"bow tie and a square", {{0, 0}, {4000, 4000}, {4000, 0}, {4000, 4000}, {0, 4000}}, {0, 2, 3, 4}},
+  };
+  for (const TCase& c : cases) {
+    TOptimizationResult result;
+    ASSERT_TRUE(OptimizeFlight(CacheOf(c.points), ShapeForKind(TShapeKind::Quadrilateral), nullptr, {}, result));
+    EXPECT_EQ(result.Found(), !c.expected.empty()) << c.what;
+    if (result.Found()) EXPECT_EQ(Turnpoints(result), c.expected) << c.what;
+  }
+}
+
 // A straight line of 300 points 10 m apart, except point 1 (5 km west) and
 // point 298 (10 km east). The coarse grid (stride 3) sees neither; the
 // windows around its result (0, 297) reach point 1 but not point 298: the

@@ -110,5 +110,38 @@ TEST(ConvertCommand, OziExplorerWaypointsBecomeNative) {
   EXPECT_EQ(RunVelantis({"convert", out, out}).exitCode, 0);
 }
 
+// Two fixes on the equator one degree apart an hour apart, and a fix whose
+// minutes are past 60: skipped and counted.
+constexpr const char* kFlight =
+    "AXVLtest\r\nHFDTE050624\r\nB1000000000000N01000000EA0010000120\r\n"
+    "B1030000060001N01000000EA0010000120\r\nB1100000000000N01100000EA0010000120\r\n";
+
+TEST(InfoCommand, DescribesAFlightLogAndItsBadRecords) {
+  const auto path = ScratchDir("cli-info-igc") / "flight.IGC";
+  std::ofstream(path, std::ios::binary) << kFlight;
+  const TRunResult text = RunVelantis({"info", path.string()});
+  EXPECT_EQ(text.exitCode, 0) << text.err;
+  EXPECT_EQ(text.out,
+            "kind: track\nname: \ncount: 2\nsegments: 1\nbad_records: 1\ndatum: WGS 84\nnotation: 0\n"
+            "bounds: 0.000000000 10.000000000 0.000000000 11.000000000\n"
+            "start: 2024-06-05T10:00:00Z\nend: 2024-06-05T11:00:00Z\ndistance_m: 111319.491\n");
+  const TRunResult json = RunVelantis({"info", "--json", path.string()});
+  EXPECT_NE(json.out.find("\"count\":2,\"segments\":1,\"bad_records\":1,\"datum\""), std::string::npos) << json.out;
+}
+
+TEST(ConvertCommand, FlightLogsGoThroughTrackFilesAndBack) {
+  const auto dir = ScratchDir("cli-convert-igc");
+  std::ofstream(dir / "in.igc", std::ios::binary) << kFlight;
+  ASSERT_EQ(RunVelantis({"convert", (dir / "in.igc").string(), (dir / "copy.igc").string()}).exitCode, 0);
+  EXPECT_EQ(FileBytes(dir / "copy.igc"), kFlight);
+  TRunResult run = RunVelantis({"convert", (dir / "in.igc").string(), (dir / "flight.trk").string()});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  run = RunVelantis({"convert", (dir / "flight.trk").string(), (dir / "back.igc").string()});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  EXPECT_EQ(FileBytes(dir / "back.igc"),
+            "AXVLVelantis\r\nHFDTEDATE:050624,01\r\nB1000000000000N01000000EA0010000120\r\n"
+            "B1100000000000N01100000EA0010000120\r\n");
+}
+
 }  // namespace
 }  // namespace velantis::test

@@ -112,6 +112,8 @@ TEST(OptimizeCommand, Refusals) {
       {{"optimize", (dir / "flight.gpx").string()}, 1, "velantis: Unknown file format: gpx\n"},
       {{"optimize", single}, 1, "velantis: No result: the track has too few points for the shape\n"},
       {{"optimize", flight, "--save-route", (dir / "x.wpt").string()}, 1, "velantis: Unknown file format: wpt\n"},
+      {{"optimize", (dir / "flight.igc").string(), "--save-track"}, 1,
+       "velantis: The result can only be stored in a .trk file: convert the flight to .trk first\n"},
   };
   for (const auto& c : cases) {
     const TRunResult run = RunVelantis(c.args);
@@ -120,6 +122,19 @@ TEST(OptimizeCommand, Refusals) {
     EXPECT_EQ(run.out, "");
   }
   EXPECT_EQ(RunVelantis({"optimize", flight, "--type", "square"}).exitCode, 2);
+}
+
+// A real flight log through the IGC reader: a small flat triangle flown from
+// and back to its launch area. A contest scorer (igc-xc-score, the DERIVED
+// run of the test data) found a 14.6 km triangle (rounded to 0.1 km) under
+// a closing limit; the search without that limit must reach it.
+TEST(OptimizeCommand, RealFlightLog) {
+  VELANTIS_TESTDATA_OR_SKIP(log, "igc/tri.igc");
+  const TRunResult run = RunVelantis({"optimize", log.string(), "--type", "triangle", "--json"});
+  ASSERT_EQ(run.exitCode, 0) << run.err;
+  double distance = 0;
+  ASSERT_EQ(std::sscanf(run.out.c_str(), "{\"type\":\"triangle\",\"distance_m\":%lf", &distance), 1) << run.out;
+  EXPECT_GE(distance, 14550);
 }
 
 }  // namespace
