@@ -23,7 +23,8 @@
 // - Midnight. A fix whose time of day is more than 12 hours before the
 //   previous good fix's has passed midnight: one day is added from it on.
 //   A fix a little earlier than the one before (a logger's out-of-order
-//   fix) stays on its day.
+//   fix) stays on its day; GPSBabel, which adds a day at any step back,
+//   dates the last two fixes of the format's own example a day later.
 // - Extensions (the I record). "FXA" fills the point's accuracy, "SIU" its
 //   satellites, "LAD"/"LOD" further digits of the minutes of its position;
 //   any other extension, a value of those that is not all digits, and bytes
@@ -44,6 +45,8 @@
 //   line ends or without an end on its last line is written with them.
 // - Datum. Positions are WGS 84, as the format fixes; the "HFDTM" line is
 //   kept but not read.
+// - Name. The track's name stays empty: the pilot, glider and site are H
+//   lines, kept as they are.
 // - A track that did not come from an IGC file gets a header of its own:
 //   an A record, the date of its first timed point and, when any point has
 //   an accuracy or satellites, the I record for "FXA" and "SIU". Segments

@@ -173,8 +173,14 @@ TEST(IgcFile, DatesMidnightAndBadRecords) {
        "2001-07-16T16:02:40Z"},
       {"long date form with the flight number", Lines({"HFDTEDATE:260919,02", Fix("135959")}), 1, 0,
        "2019-09-26T13:59:59Z", "2019-09-26T13:59:59Z"},
+      {"two-digit years below 80 are 20YY", Lines({"HFDTE311279", Fix("120000")}), 1, 0, "2079-12-31T12:00:00Z",
+       "2079-12-31T12:00:00Z"},
+      {"the first date line dates the fixes", Lines({"HFDTE010203", "HFDTEDATE:020304,01", Fix("120000")}), 1, 0,
+       "2003-02-01T12:00:00Z", "2003-02-01T12:00:00Z"},
       {"midnight passed: the clock goes back more than 12 h", Lines({"HFDTE311299", Fix("235950"), Fix("000010")}),
        2, 0, "1999-12-31T23:59:50Z", "2000-01-01T00:00:10Z"},
+      {"a clock 12 h back has not passed midnight", Lines({"HFDTE160701", Fix("230000"), Fix("110000")}), 2, 0,
+       "2001-07-16T23:00:00Z", "2001-07-16T11:00:00Z"},
       {"a fix out of order by seconds stays on its day", Lines({"HFDTE160701", Fix("160310"), Fix("160248")}), 2,
        0, "2001-07-16T16:03:10Z", "2001-07-16T16:02:48Z"},
       {"a date line after the fixes still dates them", Lines({Fix("120000"), "HFDTE010203"}), 1, 0,
@@ -182,14 +188,18 @@ TEST(IgcFile, DatesMidnightAndBadRecords) {
       {"without a date the fixes fall on day 0", Lines({Fix("120000")}), 1, 0, "1899-12-30T12:00:00Z",
        "1899-12-30T12:00:00Z"},
       {"a date that does not exist is bad; the next date line counts",
-       Lines({"HFDTE290299", "HFDTE010399", Fix("080000")}), 1, 1, "1999-03-01T08:00:00Z", "1999-03-01T08:00:00Z"},
+       Lines({"HFDTE300280", "HFDTE010380", Fix("080000")}), 1, 1, "1980-03-01T08:00:00Z", "1980-03-01T08:00:00Z"},
       {"bad fixes are skipped and counted",
-       Lines({"HFDTE160701", Fix("100000"), Fix("106000"), Fix("100001", "5107121X00249342WA0028000421"),
+       Lines({"HFDTE160701", Fix("100000"), Fix("106000"), Fix("240000"), Fix("100001", "5107121X00249342WA0028000421"),
               Fix("100002", "5107121N00249342WZ0028000421"), Fix("100003", "5107121N00249342WA002800042"),
               Fix("100004", "5107121N00249342WA00280004O1"), Fix("100005", "5107121N00249342WA00280-1500"),
               Fix("100006", "9100000N00249342WA0028000421"), Fix("100007", "5160001N00249342WA0028000421"),
               Fix("100008")}),
-       2, 8, "2001-07-16T10:00:00Z", "2001-07-16T10:00:08Z"},
+       2, 9, "2001-07-16T10:00:00Z", "2001-07-16T10:00:08Z"},
+      {"60.000 minutes with further digits is bad",
+       Lines({"HFDTE160701", "I013636LAD", Fix("100000", "5160000N00249342WA00280004215")}), 0, 1, "", ""},
+      {"an I record whose extensions do not start at byte 36 is bad", Lines({"HFDTE160701", "I013739FXA", Fix("100000")}),
+       1, 1, "2001-07-16T10:00:00Z", "2001-07-16T10:00:00Z"},
       {"a fix shorter than its extensions is bad", Lines({"HFDTE160701", "I013638FXA", Fix("100000")}), 0, 1, "",
        ""},
       {"a bad I record: the bytes after the fixed part are kept with the fix",
@@ -232,6 +242,8 @@ TEST(IgcFile, FixFieldsAndExtensions) {
        54 + 7.121 / 60, -(2 + 49.342 / 60), 421, 280, 0, 0, "FXA= x5"},
       {"bytes after the extensions are kept", "I013638FXA", "B1602405407121N00249342WA0028000421035zz",
        54 + 7.121 / 60, -(2 + 49.342 / 60), 421, 280, 35, 0, "B tail=zz"},
+      {"zero degrees south and west keep their letters", "", "B1200000000000S00000000WA0000000100", 0, 0, 100, kNone,
+       0, 0, ""},
       {"minutes of 60.000 read as the next degree; the record is kept as it was", "",
        "B0224073630099S14560000EA0133901401", -(36 + 30.099 / 60), 146, 1401, 1339, 0, 0,
        "B record=B0224073630099S14560000EA0133901401"},
@@ -272,14 +284,17 @@ TEST(IgcFile, ATrackFromElsewhereGetsItsOwnHeader) {
   p.altitude = kAltitudeUnknownM;
   p.time = p.time.PlusSeconds(4);
   track.Anyade_Punt(p);
+  p.time = TDateTime();  // written at the time of the point before
+  track.Anyade_Punt(p);
   const std::string text = Written(track);
   EXPECT_EQ(text, Lines({"AXVLVelantis", "HFDTEDATE:050624,01", "I023638FXA3940SIU",
-                         "B2359583301500S15112250EA012000123400007", "B0000023301500S15112250EV012000000000007"}));
+                         "B2359583301500S15112250EA012000123400007", "B0000023301500S15112250EV012000000000007",
+                         "B0000023301500S15112250EV012000000000007"}));
   TTrack back;
   size_t bad = 0;
   ASSERT_TRUE(Read(text, back, bad));
-  ASSERT_EQ(back.Count(), 2u);
-  EXPECT_NEAR(back.Point(1).time.SecondsTo(p.time), 0, 1e-6);
+  ASSERT_EQ(back.Count(), 3u);
+  EXPECT_NEAR(back.Point(1).time.SecondsTo(track.Point(1).time), 0, 1e-6);
   EXPECT_NEAR(back.Point(1).lat, p.lat, 1e-12);
 }
 
