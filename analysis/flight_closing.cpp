@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
+
+#include "analysis/chord_screen.h"
 
 // Choices the closing rules leave open:
 //
@@ -20,6 +23,13 @@
 //   which the last point's index would replace, cannot arise.
 // - A flight whose P1 is the track's first point has no start to try: no
 //   pair, no closing.
+//
+// Speed: the pairs are screened with the squared chord (chord_screen.h). A
+// pair is measured, and offered to Consider in the usual order, unless its
+// chord proves that Consider would leave everything as it is: its gap is
+// above the best one and either below kSecondPairMinGapM or above the
+// runner-up's. Every pair that could change the result, ties included, is
+// measured with the real distance, so the result is the one of measuring all.
 
 namespace velantis {
 
@@ -44,6 +54,30 @@ void Consider(int s, int f, double gap, TFlightClosing& closing) {
   }
 }
 
+// Squared-chord bounds of the current best and runner-up gaps.
+struct TClosingScreen {
+  double aboveBest = 0;
+  double aboveSecond = 0;
+  double belowSecondMin = ChordBelow(kSecondPairMinGapM);
+
+  void Update(const TFlightClosing& closing) {
+    aboveBest = ChordAbove(closing.gapM);
+    aboveSecond = closing.secondStart == kNoPoint ? 0 : ChordAbove(closing.secondGapM);
+  }
+  // True when a pair of this squared chord cannot change the closing.
+  bool Skips(const TFlightClosing& closing, double chord) const {
+    if (closing.start == kNoPoint || chord <= aboveBest) return false;
+    return chord < belowSecondMin || (closing.secondStart != kNoPoint && chord > aboveSecond);
+  }
+};
+
+std::vector<TUnitVector> FinishVectors(const TFlightPointCache& cache, int last, int stride) {
+  std::vector<TUnitVector> vectors;
+  for (int f = last; f <= static_cast<int>(cache.Count()) - 1; f += stride)
+    vectors.push_back(UnitVectorOf(cache.Record(static_cast<size_t>(f))));
+  return vectors;
+}
+
 }  // namespace
 
 bool CloseFlight(const TFlightPointCache& cache, std::span<const int> turnpoints, TProgress* progress,
@@ -54,11 +88,18 @@ bool CloseFlight(const TFlightPointCache& cache, std::span<const int> turnpoints
   const int last = turnpoints.back();
   const int startStride = ClosingStride(first);
   const int finishStride = ClosingStride(n - last);
+  const std::vector<TUnitVector> finishes = FinishVectors(cache, last, finishStride);
+  TClosingScreen screen;
   ProgressSetTotal(progress, first);
   for (int s = 0; s < first; s += startStride) {
     if (!ProgressStep(progress, startStride)) return false;
-    for (int f = last; f <= n - 1; f += finishStride)
+    const TUnitVector start = UnitVectorOf(cache.Record(static_cast<size_t>(s)));
+    for (size_t k = 0; k < finishes.size(); ++k) {
+      if (screen.Skips(closing, ChordSquared(start, finishes[k]))) continue;
+      const int f = last + static_cast<int>(k) * finishStride;
       Consider(s, f, cache.Distance(static_cast<size_t>(s), static_cast<size_t>(f)), closing);
+      screen.Update(closing);
+    }
   }
   if (closing.start == kNoPoint) return true;
 

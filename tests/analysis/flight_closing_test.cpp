@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <vector>
 
 #include "tests/analysis/flight_samples.h"
@@ -65,6 +66,54 @@ TEST(FlightClosing, StartAndFinishPositionsAreThinned) {
   EXPECT_EQ(closing.finish, 2001);
   EXPECT_NEAR(closing.gapM, 5000, 5);
   EXPECT_FALSE(closing.stands);
+}
+
+// The pairs are screened by their chord before the real distance is taken;
+// the outcome must be that of measuring every pair: the first pair of the
+// smallest gap, and the runner-up as pairs of 500 m or more displace it.
+// Tracks wander around a loop so that gaps fall on both sides of 500 m and
+// repeat exactly (duplicated points give ties).
+TEST(FlightClosing, ScreenedPairsGiveTheResultOfMeasuringAll) {
+  struct TCase {
+    unsigned seed;
+    double spreadM;  // of the start and finish points around the loop's end
+  };
+  const TCase cases[] = {{1, 300}, {2, 800}, {3, 2000}, {4, 5000}};
+  for (const TCase& c : cases) {
+    std::mt19937 random(c.seed);
+    std::uniform_real_distribution<double> offset(-c.spreadM, c.spreadM);
+    std::vector<TOffsetM> points;
+    for (int i = 0; i < 60; ++i) points.push_back({offset(random), offset(random)});
+    points.push_back({0, 20000});
+    points.push_back({20000, 0});
+    for (int i = 0; i < 60; ++i) points.push_back(i % 7 == 0 ? points[static_cast<size_t>(i)] : TOffsetM{offset(random), offset(random)});
+    const TFlightPointCache cache = CacheOf(points);
+    const int turnpoints[] = {60, 61};
+
+    // Every pair in the closing's order, each offered to the rules as is.
+    TFlightClosing all;
+    for (int s = 0; s < 60; ++s)
+      for (int f = 61; f < static_cast<int>(points.size()); ++f) {
+        const double gap = cache.Distance(static_cast<size_t>(s), static_cast<size_t>(f));
+        if (all.start == kNoPoint || gap < all.gapM) {
+          if (all.start != kNoPoint && all.gapM >= kSecondPairMinGapM) {
+            all.secondStart = all.start, all.secondFinish = all.finish, all.secondGapM = all.gapM;
+          }
+          all.start = s, all.finish = f, all.gapM = gap;
+        } else if (gap >= kSecondPairMinGapM && (all.secondStart == kNoPoint || gap < all.secondGapM)) {
+          all.secondStart = s, all.secondFinish = f, all.secondGapM = gap;
+        }
+      }
+
+    TFlightClosing closing;
+    ASSERT_TRUE(CloseFlight(cache, turnpoints, nullptr, closing));
+    EXPECT_EQ(closing.start, all.start) << c.seed;
+    EXPECT_EQ(closing.finish, all.finish) << c.seed;
+    EXPECT_EQ(closing.gapM, all.gapM) << c.seed;
+    EXPECT_EQ(closing.secondStart, all.secondStart) << c.seed;
+    EXPECT_EQ(closing.secondFinish, all.secondFinish) << c.seed;
+    EXPECT_EQ(closing.secondGapM, all.secondGapM) << c.seed;
+  }
 }
 
 TEST(FlightClosing, NoStartBeforeTheFirstPoint) {
