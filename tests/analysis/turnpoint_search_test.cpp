@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -154,6 +155,43 @@ TEST(FlightOptimizer, ProgressAndCancel) {
 
 // The route leaves out a start and finish that did not stand; the index list
 // keeps their places.
+// The search reads its legs from tables measured once per pass; on windows
+// whose low ends lie on the stride's grid and on windows whose low ends do
+// not, it must find the triangle that measuring every candidate finds (the
+// greatest perimeter, the last one visited among equals).
+TEST(TurnpointSearch, LegTablesGiveTheTriangleOfMeasuringEveryCandidate) {
+  struct TCase {
+    const char* what;
+    TSearchWindows windows;
+    int stride;
+  };
+  const TCase cases[] = {
+      {"whole track, stride 3", WholeTrackWindows(60), 3},
+      {"low ends off the grid, stride 3", {{{1, 40}, {5, 47}, {10, 59}, {}}}, 3},
+      {"overlapping windows, stride 1", {{{0, 30}, {20, 45}, {25, 59}, {}}}, 1},
+  };
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> offset(-20000, 20000);
+  std::vector<TOffsetM> points;
+  for (int i = 0; i < 60; ++i) points.push_back({offset(random), offset(random)});
+  const TFlightPointCache cache = CacheOf(points);
+  const auto d = [&](int a, int b) { return cache.Distance(static_cast<size_t>(a), static_cast<size_t>(b)); };
+  for (const TCase& c : cases) {
+    TSearchBest expected;
+    const auto& w = c.windows;
+    for (int p1 = w[0].low; p1 <= w[0].high; p1 += c.stride)
+      for (int p2 = std::max(p1 + c.stride, w[1].low); p2 <= w[1].high; p2 += c.stride)
+        for (int p3 = std::max(p2 + c.stride, w[2].low); p3 <= w[2].high; p3 += c.stride) {
+          const double score = d(p1, p2) + d(p2, p3) + d(p3, p1);
+          if (score >= expected.score) expected = {{p1, p2, p3, kNoPoint}, score};
+        }
+    TSearchBest best;
+    ASSERT_TRUE(SearchTurnpoints(cache, ShapeForKind(TShapeKind::Triangle), c.windows, c.stride, nullptr, best));
+    EXPECT_EQ(best.turnpoints, expected.turnpoints) << c.what;
+    EXPECT_EQ(best.score, expected.score) << c.what;
+  }
+}
+
 TEST(OptimizationRoute, NamesAndIndices) {
   TTrack track;
   for (int i = 0; i < 6; ++i) track.Anyade_Punto_Temps(45.0 + 0.01 * i, 6.0, 1000.0f + static_cast<float>(i), TDateTime());
