@@ -11,6 +11,8 @@
 // distance lies beyond the threshold.
 #pragma once
 
+#include <span>
+
 #include "analysis/flight_point_cache.h"
 
 namespace velantis {
@@ -36,5 +38,24 @@ inline double ChordSquared(const TUnitVector& a, const TUnitVector& b) {
 double ChordAbove(double distanceM);
 // A squared chord less than this proves the distance is less than distanceM.
 double ChordBelow(double distanceM);
+
+// A ball around a run of unit vectors (consecutive track points lie close
+// together): by the triangle inequality every squared chord from a point to
+// the run lies in ChordRange, so a whole run can be screened at once.
+struct TChordBall {
+  TUnitVector centre;
+  double radius = 0;
+};
+
+struct TChordRange {
+  double low = 0;
+  double high = 0;
+};
+
+// The ball around the vectors (not empty), its radius widened against
+// rounding.
+TChordBall BallOf(std::span<const TUnitVector> vectors);
+// Squared chords from the point to anything in the ball lie within this.
+TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point);
 
 }  // namespace velantis

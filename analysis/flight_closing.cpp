@@ -28,8 +28,10 @@
 // pair is measured, and offered to Consider in the usual order, unless its
 // chord proves that Consider would leave everything as it is: its gap is
 // above the best one and either below kSecondPairMinGapM or above the
-// runner-up's. Every pair that could change the result, ties included, is
-// measured with the real distance, so the result is the one of measuring all.
+// runner-up's; runs of finishes are passed over at once when the ball around
+// them proves this for all of them. Every pair that could change the result,
+// ties included, is measured with the real distance, so the result is the
+// one of measuring all.
 
 namespace velantis {
 
@@ -65,9 +67,11 @@ struct TClosingScreen {
     aboveSecond = closing.secondStart == kNoPoint ? 0 : ChordAbove(closing.secondGapM);
   }
   // True when a pair of this squared chord cannot change the closing.
-  bool Skips(const TFlightClosing& closing, double chord) const {
-    if (closing.start == kNoPoint || chord <= aboveBest) return false;
-    return chord < belowSecondMin || (closing.secondStart != kNoPoint && chord > aboveSecond);
+  bool Skips(const TFlightClosing& closing, double chord) const { return SkipsAll(closing, {chord, chord}); }
+  // True when no pair of squared chord within the range can change it.
+  bool SkipsAll(const TFlightClosing& closing, TChordRange range) const {
+    if (closing.start == kNoPoint || range.low <= aboveBest) return false;
+    return range.high < belowSecondMin || (closing.secondStart != kNoPoint && range.low > aboveSecond);
   }
 };
 
@@ -76,6 +80,17 @@ std::vector<TUnitVector> FinishVectors(const TFlightPointCache& cache, int last,
   for (int f = last; f <= static_cast<int>(cache.Count()) - 1; f += stride)
     vectors.push_back(UnitVectorOf(cache.Record(static_cast<size_t>(f))));
   return vectors;
+}
+
+// Finishes are screened in runs of this many: a run far from the start is
+// passed over with one distance to its ball.
+constexpr size_t kFinishRunLength = 16;
+
+std::vector<TChordBall> FinishBalls(std::span<const TUnitVector> finishes) {
+  std::vector<TChordBall> balls;
+  for (size_t k = 0; k < finishes.size(); k += kFinishRunLength)
+    balls.push_back(BallOf(finishes.subspan(k, std::min(kFinishRunLength, finishes.size() - k))));
+  return balls;
 }
 
 }  // namespace
@@ -89,16 +104,21 @@ bool CloseFlight(const TFlightPointCache& cache, std::span<const int> turnpoints
   const int startStride = ClosingStride(first);
   const int finishStride = ClosingStride(n - last);
   const std::vector<TUnitVector> finishes = FinishVectors(cache, last, finishStride);
+  const std::vector<TChordBall> balls = FinishBalls(finishes);
   TClosingScreen screen;
   ProgressSetTotal(progress, first);
   for (int s = 0; s < first; s += startStride) {
     if (!ProgressStep(progress, startStride)) return false;
     const TUnitVector start = UnitVectorOf(cache.Record(static_cast<size_t>(s)));
-    for (size_t k = 0; k < finishes.size(); ++k) {
-      if (screen.Skips(closing, ChordSquared(start, finishes[k]))) continue;
-      const int f = last + static_cast<int>(k) * finishStride;
-      Consider(s, f, cache.Distance(static_cast<size_t>(s), static_cast<size_t>(f)), closing);
-      screen.Update(closing);
+    for (size_t run = 0; run < balls.size(); ++run) {
+      if (screen.SkipsAll(closing, ChordRange(balls[run], start))) continue;
+      const size_t end = std::min(finishes.size(), (run + 1) * kFinishRunLength);
+      for (size_t k = run * kFinishRunLength; k < end; ++k) {
+        if (screen.Skips(closing, ChordSquared(start, finishes[k]))) continue;
+        const int f = last + static_cast<int>(k) * finishStride;
+        Consider(s, f, cache.Distance(static_cast<size_t>(s), static_cast<size_t>(f)), closing);
+        screen.Update(closing);
+      }
     }
   }
   if (closing.start == kNoPoint) return true;

@@ -72,13 +72,16 @@ TEST(FlightClosing, StartAndFinishPositionsAreThinned) {
 // the outcome must be that of measuring every pair: the first pair of the
 // smallest gap, and the runner-up as pairs of 500 m or more displace it.
 // Tracks wander around a loop so that gaps fall on both sides of 500 m and
-// repeat exactly (duplicated points give ties).
+// repeat exactly (duplicated points give ties); on some the finishes run in
+// a straight line, so that runs of finishes screened at once are long and
+// thin and a start lies close to one end of them.
 TEST(FlightClosing, ScreenedPairsGiveTheResultOfMeasuringAll) {
   struct TCase {
     unsigned seed;
     double spreadM;  // of the start and finish points around the loop's end
+    double lineStepM;  // 0: finishes scattered like the starts; else along a line
   };
-  const TCase cases[] = {{1, 300}, {2, 800}, {3, 2000}, {4, 5000}};
+  const TCase cases[] = {{1, 300, 0}, {2, 800, 0}, {3, 2000, 0}, {4, 5000, 0}, {5, 3000, 150}, {6, 8000, 400}};
   for (const TCase& c : cases) {
     std::mt19937 random(c.seed);
     std::uniform_real_distribution<double> offset(-c.spreadM, c.spreadM);
@@ -86,7 +89,10 @@ TEST(FlightClosing, ScreenedPairsGiveTheResultOfMeasuringAll) {
     for (int i = 0; i < 60; ++i) points.push_back({offset(random), offset(random)});
     points.push_back({0, 20000});
     points.push_back({20000, 0});
-    for (int i = 0; i < 60; ++i) points.push_back(i % 7 == 0 ? points[static_cast<size_t>(i)] : TOffsetM{offset(random), offset(random)});
+    for (int i = 0; i < 60; ++i) {
+      const TOffsetM scattered = i % 7 == 0 ? points[static_cast<size_t>(i)] : TOffsetM{offset(random), offset(random)};
+      points.push_back(c.lineStepM > 0 ? TOffsetM{c.lineStepM * i - c.spreadM, 0.3 * c.lineStepM * i} : scattered);
+    }
     const TFlightPointCache cache = CacheOf(points);
     const int turnpoints[] = {60, 61};
 
