@@ -40,5 +40,6 @@ void AddCalibCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode
 void AddNmeaCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddDetectCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddLiveCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddOptimizeCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

@@ -25,6 +25,7 @@ int main(int argc, char** argv) {
   AddNmeaCommand(app, options, exitCode);
   AddDetectCommand(app, options, exitCode);
   AddLiveCommand(app, options, exitCode);
+  AddOptimizeCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {

@@ -1,7 +1,9 @@
 #include "cli/terminal_progress.h"
 
 #include <csignal>
+#include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #ifdef _WIN32
 #include <io.h>
@@ -44,10 +46,15 @@ TTerminalProgress::~TTerminalProgress() {
   m_wake.notify_all();
   if (m_drawer.joinable()) {
     m_drawer.join();
-    std::fprintf(stderr, "\r%*s\r", kBarWidth + 8, "");
+    std::fprintf(stderr, "\r%*s\r", kBarWidth + 8 + m_captionWidth + 1, "");
   }
   std::signal(SIGINT, m_previousHandler == SIG_ERR ? SIG_DFL : m_previousHandler);
   g_interruptTarget.store(nullptr);
+}
+
+void TTerminalProgress::SetCaption(std::string caption) {
+  std::lock_guard lock(m_mutex);
+  m_caption = std::move(caption);
 }
 
 void TTerminalProgress::Draw() {
@@ -55,8 +62,12 @@ void TTerminalProgress::Draw() {
   while (!m_wake.wait_for(lock, kRedrawPeriod, [this] { return m_stop; })) {
     const double fraction = m_progress.Fraction();
     const int filled = static_cast<int>(fraction * kBarWidth);
-    std::fprintf(stderr, "\r[%.*s%*s] %3d%%", filled, "########################################",
-                 kBarWidth - filled, "", static_cast<int>(fraction * 100));
+    // The caption is padded to the widest one drawn so far, so a shorter
+    // one leaves nothing of a longer one behind.
+    m_captionWidth = std::max(m_captionWidth, static_cast<int>(m_caption.size()));
+    std::fprintf(stderr, "\r%-*s%s[%.*s%*s] %3d%%", m_captionWidth, m_caption.c_str(), m_captionWidth > 0 ? " " : "",
+                 filled, "########################################", kBarWidth - filled, "",
+                 static_cast<int>(fraction * 100));
     std::fflush(stderr);
   }
 }

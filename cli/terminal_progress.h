@@ -7,6 +7,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <string>
 #include <thread>
 
 #include "core/progress.h"
@@ -23,6 +24,8 @@ public:
   TProgress* Progress() { return &m_progress; }
   // True once Ctrl-C has been pressed.
   bool Interrupted() const { return m_progress.Cancelled(); }
+  // A text shown before the bar from the next redraw on ("" for none).
+  void SetCaption(std::string caption);
 
 private:
   void Draw();
@@ -31,6 +34,8 @@ private:
   std::mutex m_mutex;
   std::condition_variable m_wake;
   bool m_stop = false;
+  std::string m_caption;
+  int m_captionWidth = 0;
   std::thread m_drawer;
   void (*m_previousHandler)(int) = nullptr;
 };

@@ -1,0 +1,61 @@
+// A cheap stand-in for the point cache's distance when many pairs are ranked:
+// the squared chord between the points' unit vectors on the sphere.
+//
+// The squared chord is 4 h of the haversine form, so it orders pairs like the
+// great-circle distance and costs a few multiply-adds instead of two sines,
+// a square root and an arc sine. It is computed another way, so its rounding
+// differs from the distance's: callers never decide on it alone near a
+// threshold. ChordAbove and ChordBelow give squared-chord bounds with a wide
+// margin (relative 1e-6, absolute 1e-18, about 6 mm) against every rounding
+// of either form, so "squared chord beyond the bound" proves the real
+// distance lies beyond the threshold.
+#pragma once
+
+#include <span>
+
+#include "analysis/flight_point_cache.h"
+
+namespace velantis {
+
+struct TUnitVector {
+  double x = 0;
+  double y = 0;
+  double z = 0;
+};
+
+// The point's position as a unit vector from the earth's centre.
+TUnitVector UnitVectorOf(const TFlightPointRecord& record);
+
+inline double ChordSquared(const TUnitVector& a, const TUnitVector& b) {
+  const double dx = a.x - b.x;
+  const double dy = a.y - b.y;
+  const double dz = a.z - b.z;
+  return dx * dx + dy * dy + dz * dz;
+}
+
+// A squared chord greater than this proves the distance is greater than
+// distanceM.
+double ChordAbove(double distanceM);
+// A squared chord less than this proves the distance is less than distanceM.
+double ChordBelow(double distanceM);
+
+// A ball around a run of unit vectors (consecutive track points lie close
+// together): by the triangle inequality every squared chord from a point to
+// the run lies in ChordRange, so a whole run can be screened at once.
+struct TChordBall {
+  TUnitVector centre;
+  double radius = 0;
+};
+
+struct TChordRange {
+  double low = 0;
+  double high = 0;
+};
+
+// The ball around the vectors (not empty), its radius widened against
+// rounding.
+TChordBall BallOf(std::span<const TUnitVector> vectors);
+// Squared chords from the point to anything in the ball lie within this.
+TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point);
+
+}  // namespace velantis
