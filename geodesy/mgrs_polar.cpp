@@ -1,5 +1,6 @@
 #include "geodesy/mgrs_polar.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -89,6 +90,9 @@ bool PolarLatLonToMgrs(const TLonLat& geo, const TDatum& ellipsoid, int digits, 
     message = kMgrsPositionError;
     return false;
   }
+  // LatLonToMgrs has refused other digit counts already; the clamp lets the
+  // compiler see that the printed width is bounded.
+  digits = std::clamp(digits, 0, kMgrsMaxDigits);
   const int unit = Pow10(kMgrsMaxDigits - digits);
   char buffer[32];
   const int length = std::snprintf(buffer, sizeof buffer, "%c%c%c", band.letter, band.columns[column],

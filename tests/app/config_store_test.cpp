@@ -101,7 +101,9 @@ TEST(ConfigStoreTest, LoadConvertsPresentKeysAndWarnsOfTheRest) {
       if (entry.kind == TLogKind::Warning && entry.text.find(key) != std::string::npos)
         warnings.push_back(FormatLogEntry(entry));
     ASSERT_EQ(warnings.size(), warned ? 1u : 0u) << key;
-    if (warned) EXPECT_EQ(warnings[0].rfind("Warning: ", 0), 0u) << warnings[0];
+    if (warned) {
+      EXPECT_EQ(warnings[0].rfind("Warning: ", 0), 0u) << warnings[0];
+    }
   }
   // A missing file gives the defaults; one that cannot be read fails.
   config.Comm_NNEA_Timeout = 1;

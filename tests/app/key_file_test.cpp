@@ -97,7 +97,9 @@ TEST(KeyFileTest, LoadAndSaveUnchangedIsByteIdentical) {
     ASSERT_TRUE(file.Load(path.string(), error)) << error;
     ASSERT_TRUE(file.Save(path.string(), error)) << error;
     EXPECT_EQ(FileBytes(path), texts[i]) << "case " << i;
-    if (i == 1) EXPECT_EQ(file.Find("a", "X"), "1") << "the byte order mark does not hide the first section";
+    if (i == 1) {
+      EXPECT_EQ(file.Find("a", "X"), "1") << "the byte order mark does not hide the first section";
+    }
   }
 }
 

@@ -101,7 +101,9 @@ TEST(TrackStatistics, DistanceTimesAndTopSpeed) {
     EXPECT_NEAR(s.distanceM, c.distance, 1e-6);
     EXPECT_NEAR(s.movingTimeS, c.moving, 1e-5);
     EXPECT_NEAR(s.durationS, c.duration, 1e-6);
-    if (!std::isnan(c.maxKmh)) EXPECT_NEAR(s.maxSpeedKmh, c.maxKmh, 1e-4);
+    if (!std::isnan(c.maxKmh)) {
+      EXPECT_NEAR(s.maxSpeedKmh, c.maxKmh, 1e-4);
+    }
   }
   const std::vector<double> cumulative = CumulativeDistances(gap);
   ASSERT_EQ(cumulative.size(), 4u);

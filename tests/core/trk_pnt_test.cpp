@@ -45,7 +45,9 @@ TEST(TrkPnt, ByteFields) {
     p.*c.field.byte = 42;
     EXPECT_EQ((p.*c.field.set)(c.value), c.byte != kRefused);
     EXPECT_EQ(p.*c.field.byte, c.byte == kRefused ? 42 : c.byte);
-    if (c.byte != kRefused) EXPECT_NEAR((p.*c.field.get)(), c.value, 1e-9);
+    if (c.byte != kRefused) {
+      EXPECT_NEAR((p.*c.field.get)(), c.value, 1e-9);
+    }
   }
 }
 

@@ -103,8 +103,12 @@ TEST(OziWaypoints, Samples) {
                 std::tuple(e.name, e.description, !std::isnan(e.metres), e.days == 0, 0u, sample.colour2));
       EXPECT_NEAR(b.Latitude(), e.lat, kDegreeTolerance);
       EXPECT_NEAR(b.Longitude(), e.lon, kDegreeTolerance);
-      if (b.HasAltitude()) EXPECT_NEAR(b.Altitude(), e.metres, sample.metresTolerance);
-      if (e.days != 0) EXPECT_NEAR(b.Time().Days(), e.days, 1e-9);
+      if (b.HasAltitude()) {
+        EXPECT_NEAR(b.Altitude(), e.metres, sample.metresTolerance);
+      }
+      if (e.days != 0) {
+        EXPECT_NEAR(b.Time().Days(), e.days, 1e-9);
+      }
       EXPECT_NEAR(b.ProximityRadius(), sample.proximity, sample.proximity * 0.0025);
     }
   }
@@ -139,7 +143,9 @@ TEST(OziWaypoints, TextsColoursAndOptionalFields) {
                          b.Time().IsNull(), b.DisplayFlag3(), b.State() & kBalizaStateTransientBit, b.Latitude(),
                          b.Longitude()),
               std::tuple(c.name, c.description, c.colour1, c.colour2, !std::isnan(c.metres), true, true, 0, 1.0, 2.0));
-    if (b.HasAltitude()) EXPECT_NEAR(b.Altitude(), c.metres, 1e-4);
+    if (b.HasAltitude()) {
+      EXPECT_NEAR(b.Altitude(), c.metres, 1e-4);
+    }
   }
 }
 
