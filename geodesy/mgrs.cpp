@@ -1,5 +1,6 @@
 #include "geodesy/mgrs.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cmath>
 #include <cstdint>
@@ -60,12 +61,6 @@ int RowShift(int zone, const TDatum& ellipsoid) {
   return (zone % 2 == 0 ? kEvenZoneRowShift : 0) + (UsesOldRowLettering(ellipsoid) ? kOldSchemeRowShift : 0);
 }
 
-int Pow10(int exponent) {
-  int value = 1;
-  while (exponent-- > 0) value *= 10;
-  return value;
-}
-
 double BandSouthDeg(char band) {
   return kSouthernmostDeg + kBandHeightDeg * LetterIndex(kMgrsBandLetters, band);
 }
@@ -87,6 +82,24 @@ int MgrsZoneOfPosition(const TLonLat& geo) {
     return 2 * static_cast<int>(std::floor((lon + 3) / 12)) + 31;
   }
   return zone;
+}
+
+int MgrsDigitUnitM(int digits) {
+  int unit = 1;
+  for (int i = digits; i < kMgrsMaxDigits; ++i) unit *= 10;
+  return unit;
+}
+
+std::string MgrsSquareDigits(int64_t eastingM, int64_t northingM, int digits) {
+  if (digits <= 0) return {};
+  // Bounded so that the compiler sees the printed width fits the buffer.
+  digits = std::min(digits, kMgrsMaxDigits);
+  const auto square = static_cast<int64_t>(kSquareM);
+  const int64_t unit = MgrsDigitUnitM(digits);
+  char buffer[16];
+  std::snprintf(buffer, sizeof buffer, "%0*d%0*d", digits, static_cast<int>((eastingM % square) / unit), digits,
+                static_cast<int>((northingM % square) / unit));
+  return buffer;
 }
 
 bool ParseMgrs(std::string_view text, TMgrsReference& reference, std::string& message) {
@@ -185,17 +198,10 @@ bool LatLonToMgrs(const TLonLat& geo, const TDatum& ellipsoid, int digits, std::
     return false;
   }
   const int row = static_cast<int>((y / square + RowShift(zone, ellipsoid)) % kRowLetterCount);
-  const int unit = Pow10(kMgrsMaxDigits - digits);
-
-  char buffer[32];
-  const int length = std::snprintf(buffer, sizeof buffer, "%d%c%c%c", zone, band,
-                             kMgrsColumnLetters[((zone - 1) % kColumnSets) * kColumnsPerZone + column - 1],
-                             kMgrsRowLetters[row]);
-  if (digits > 0) {
-    std::snprintf(buffer + length, sizeof buffer - length, "%0*d%0*d", digits,
-                  static_cast<int>((x % square) / unit), digits, static_cast<int>((y % square) / unit));
-  }
-  text = buffer;
+  char buffer[16];
+  std::snprintf(buffer, sizeof buffer, "%d%c%c%c", zone, band,
+                kMgrsColumnLetters[((zone - 1) % kColumnSets) * kColumnsPerZone + column - 1], kMgrsRowLetters[row]);
+  text = buffer + MgrsSquareDigits(x, y, digits);
   return true;
 }
 
@@ -210,7 +216,7 @@ bool MgrsToUtm(std::string_view text, const TDatum& ellipsoid, TUtmPosition& utm
   const TZonaUTM zone{static_cast<int8_t>(reference.zone), reference.band};
   const TTransverseMercator projection(ellipsoid, UtmZoneParams(zone));
 
-  const double unit = Pow10(kMgrsMaxDigits - reference.digits);
+  const double unit = MgrsDigitUnitM(reference.digits);
   const double half = centre ? unit / 2 : 0;
   const int column = LetterIndex(kMgrsColumnLetters, reference.column) % kColumnsPerZone + 1;
   const int row = (LetterIndex(kMgrsRowLetters, reference.row) - RowShift(reference.zone, ellipsoid) +
@@ -251,7 +257,7 @@ bool MgrsToLatLon(std::string_view text, const TDatum& ellipsoid, TLonLat& geo, 
   TMgrsReference reference;
   if (!ParseMgrs(text, reference, message)) return false;
   if (reference.zone == 0) {
-    const double unit = Pow10(kMgrsMaxDigits - reference.digits);
+    const double unit = MgrsDigitUnitM(reference.digits);
     const double half = centre ? unit / 2 : 0;
     return PolarMgrsToLatLon(reference.band, reference.column, reference.row,
                              reference.easting * unit + half, reference.northing * unit + half, ellipsoid,

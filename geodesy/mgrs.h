@@ -28,6 +28,9 @@
 #include <string>
 #include <string_view>
 
+#include <cstdint>
+#include <string>
+
 #include "geodesy/datum.h"
 #include "geodesy/lon_lat.h"
 #include "geodesy/utm.h"
@@ -62,6 +65,14 @@ struct TMgrsReference {
   int easting = 0;   // inside the square, in units of 10^(5 − digits) m
   int northing = 0;
 };
+
+// The size in metres of the last digit of a reference with `digits` digits
+// per coordinate: 10^(5 - digits).
+int MgrsDigitUnitM(int digits);
+
+// The easting and northing inside their 100 km square, truncated to `digits`
+// digits each and written one after the other ("" for 0 digits).
+std::string MgrsSquareDigits(int64_t eastingM, int64_t northingM, int digits);
 
 // Syntax only: zone 1..60 and a UTM band letter, or no zone and a polar band
 // letter (zone 0); two square letters of the zone's or polar band's sets; an

@@ -1,9 +1,7 @@
 #include "geodesy/mgrs_polar.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
 
 #include "geodesy/mgrs.h"
@@ -59,12 +57,6 @@ TStereographic UpsProjection(const TDatum& ellipsoid, bool north) {
   return TStereographic(ellipsoid, params);
 }
 
-int Pow10(int exponent) {
-  int value = 1;
-  while (exponent-- > 0) value *= 10;
-  return value;
-}
-
 }  // namespace
 
 bool PolarSquareLettersValid(char band, char column, char row) {
@@ -90,18 +82,8 @@ bool PolarLatLonToMgrs(const TLonLat& geo, const TDatum& ellipsoid, int digits, 
     message = kMgrsPositionError;
     return false;
   }
-  // LatLonToMgrs has refused other digit counts already; the clamp lets the
-  // compiler see that the printed width is bounded.
-  digits = std::clamp(digits, 0, kMgrsMaxDigits);
-  const int unit = Pow10(kMgrsMaxDigits - digits);
-  char buffer[32];
-  const int length = std::snprintf(buffer, sizeof buffer, "%c%c%c", band.letter, band.columns[column],
-                                   Rows(north)[row]);
-  if (digits > 0) {
-    std::snprintf(buffer + length, sizeof buffer - length, "%0*d%0*d", digits,
-                  static_cast<int>((x % square) / unit), digits, static_cast<int>((y % square) / unit));
-  }
-  text = buffer;
+  text = {band.letter, band.columns[column], Rows(north)[row]};
+  text += MgrsSquareDigits(x, y, digits);
   return true;
 }
 
