@@ -153,7 +153,7 @@ TEST(Utm, InverseLimits) {
 }
 
 // A datum change: PROJ's Molodensky then utm near the equator (where sin(φ²) and
-// sin²φ part by micrometres), 5 mm; inverting equals inverting then shifting.
+// sin²φ part by micrometres), 5 mm. UtmToUtm below holds the inverse's shift.
 TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
   TFixture f;
   const TDatum& ed50 = *f.list.Get(kEd50);
@@ -171,13 +171,6 @@ TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
     double x, y;
     ASSERT_TRUE(test::TProjReference(pipeline).Forward(geo.lon, geo.lat, x, y)) << pipeline;
     EXPECT_LE(std::hypot(utm.x - x, utm.y - y), 0.005) << geo.lat << " " << geo.lon;
-
-    TLonLat back, backOnTarget;
-    ASSERT_TRUE(UtmToLatLon(utm, kWgs84, kEd50, f.list, back, message));
-    ASSERT_TRUE(UtmToLatLon(utm, kWgs84, kWgs84, f.list, backOnTarget, message));
-    ASSERT_TRUE(f.list.Transforma_Grados_Datum(backOnTarget, kWgs84, kEd50, message));
-    EXPECT_EQ(back.lon, backOnTarget.lon);
-    EXPECT_EQ(back.lat, backOnTarget.lat);
   }
 }
 

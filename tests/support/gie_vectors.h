@@ -31,10 +31,6 @@ bool RunGieOperation(const std::filesystem::path& path, const TGieOperation& ope
                      const TProjection& projection, double semiMajorAxis, TGieReport& report,
                      std::string& error);
 
-// RunGieOperation: `cases` cases run, none failing.
-void ExpectGieCases(const std::filesystem::path& path, const TGieOperation& operation,
-                    const TProjection& projection, double semiMajorAxis, int cases);
-
 // One .gie operation for a catalogue projection on an ellipsoid (1/f 0: a sphere).
 struct TGieRow {
   const char* kind;  // the catalogue name
@@ -45,7 +41,7 @@ struct TGieRow {
   int cases;  // how many checks the operation holds, so that none is skipped unseen
 };
 
-// ExpectGieCases for every row; a row whose file is missing is skipped.
+// Every row run, its cases counted, none failing; a row whose file is missing is skipped.
 void ExpectGieRows(std::span<const TGieRow> rows);
 
 // An accept/expect pair with the tolerance last set before it; fromGeographic
