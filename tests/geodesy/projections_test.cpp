@@ -1,15 +1,18 @@
 // The catalogue's plane projections against PROJ's .gie vectors (PROJ @ 52da98bd99),
-// the IOGP GIGS series, published points, PROJ itself, and their refusals.
+// the IOGP GIGS series, published points, PROJ itself, and their refusals; the
+// catalogue's names, captions and fixed datums.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <set>
 
 #include "geodesy/france_lambert.h"
 #include "geodesy/polyconic.h"
-#include "geodesy/transverse_mercator.h"
 #include "geodesy/projection_catalogue.h"
+#include "geodesy/transverse_mercator.h"
+#include "tests/geodesy/builtin_datums.h"
 #include "tests/support/gie_vectors.h"
 #include "tests/support/proj_reference.h"
 #include "tests/support/proj_sweep.h"
@@ -57,10 +60,30 @@ const P kRdNew{.lonOrigin = 5.38763888888889, .latOrigin = 52.1561605555556, .sc
 const P kLaeaEurope{.lonOrigin = 10, .latOrigin = 52, .falseEasting = 4321000, .falseNorthing = 3210000};
 const P kBrazil{.lonOrigin = -54, .falseEasting = 5000000, .falseNorthing = 10000000};  // GIGS 5107
 const P kUtm31{.lonOrigin = 3, .scaleFactor = 0.9996, .falseEasting = 500000};
+const P kGigsTm{.lonOrigin = -2, .latOrigin = 49, .scaleFactor = 0.9996012717, .falseEasting = 400000,
+               .falseNorthing = -100000};
+const P kMga54{.lonOrigin = 141, .scaleFactor = 0.9996, .falseEasting = 500000, .falseNorthing = 10000000};
+constexpr auto kDeg = TGieAngles::Degrees;
 
 // An operation refusing its parameters counts as one refusal. GIGS 5110 is
-// one PROJ keeps as failing (its inverse series drift); ours passes it.
+// one PROJ keeps as failing (its inverse series drift); ours passes it. GIGS
+// 5101 parts 1-3: the transverse Mercator series hold within 3 degrees of the
+// central meridian.
 const TGieRow kGieRows[] = {
+    {kTm, "gie/gigs/5101.1-jhs.gie",
+     {"+proj=pipeline +step +init=epsg:4326 +inv +step +proj=etmerc +lat_0=49 +lon_0=-2 +k_0=0.9996012717 "
+      "+x_0=400000 +y_0=-100000 +ellps=WGS84 +units=m +no_def", false, kDeg, 3, -2}, kWgs84A, kWgs84Rf, kGigsTm, 34},
+    {kTm, "gie/gigs/5101.1-jhs.gie",
+     {"+proj=pipeline +step +proj=etmerc +lat_0=49 +lon_0=-2 +k_0=0.9996012717 +x_0=400000 +y_0=-100000 "
+      "+ellps=WGS84 +units=m +no_def +inv +step +init=epsg:4326", true, kDeg, 3, -2}, kWgs84A, kWgs84Rf, kGigsTm, 34},
+    {kTm, "gie/gigs/5101.2-jhs.gie", {"+proj=pipeline +step +init=epsg:4326 +inv +step +init=epsg:32631", false, kDeg, 3, 3},
+     kWgs84A, kWgs84Rf, kUtm31, 7},
+    {kTm, "gie/gigs/5101.2-jhs.gie", {"+proj=pipeline +step +init=epsg:32631 +inv +step +init=epsg:4326", true, kDeg, 3, 3},
+     kWgs84A, kWgs84Rf, kUtm31, 7},
+    {kTm, "gie/gigs/5101.3-jhs.gie", {"+proj=pipeline +step +init=epsg:4283 +inv +step +init=epsg:28354", false, kDeg, 3, 141},
+     kGrs80A, kGrs80Rf, kMga54, 7},
+    {kTm, "gie/gigs/5101.3-jhs.gie", {"+proj=pipeline +step +init=epsg:28354 +inv +step +init=epsg:4283", true, kDeg, 3, 141},
+     kGrs80A, kGrs80Rf, kMga54, 7},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=GRS80 +lat_1=0.5 +lat_2=2"}, kGrs80A, kGrs80Rf, {.lat1 = 0.5, .lat2 = 2}, 10},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=GRS80 +lat_1=30 +lat_2=45"}, kGrs80A, kGrs80Rf, {.lat1 = 30, .lat2 = 45}, 4},
     {kLcc2, "gie/builtins.gie", {"+proj=lcc +ellps=sphere +lat_1=30 +lat_2=45"}, kProjSphereR, 0, {.lat1 = 30, .lat2 = 45}, 5},
@@ -123,48 +146,6 @@ const TGieRow kGieRows[] = {
 };
 
 TEST(Projections, ProjAndGigsVectors) { ExpectGieRows(kGieRows); }
-
-// IOGP GIGS 5101 parts 1 (49N 2W, k0 0.9996012717, WGS 84), 2 (WGS 84 / UTM
-// 31N) and 3 (GDA94 / MGA 54 on GRS 1980, southern): the transverse Mercator
-// series hold within 3 degrees of the central meridian, at the GIGS tolerance.
-TEST(Projections, TransverseMercatorMatchesTheGigsPointsWithinItsDomain) {
-  struct TPart {
-    const char* file;
-    const char* geographic;
-    double rf;
-    P params;
-    int checked;  // of the file's points, those within 3 degrees
-  };
-  const TPart parts[] = {
-      {"gie/gigs/5101.1-jhs.gie", "epsg:4326", kWgs84Rf,
-       {.lonOrigin = -2, .latOrigin = 49, .scaleFactor = 0.9996012717, .falseEasting = 400000, .falseNorthing = -100000}, 68},
-      {"gie/gigs/5101.2-jhs.gie", "epsg:4326", kWgs84Rf, kUtm31, 14},
-      {"gie/gigs/5101.3-jhs.gie", "epsg:4283", kGrs80Rf,
-       {.lonOrigin = 141, .scaleFactor = 0.9996, .falseEasting = 500000, .falseNorthing = 10000000}, 14},
-  };
-  for (const TPart& part : parts) {
-    VELANTIS_TESTDATA_OR_SKIP(file, part.file);
-    std::vector<TGiePair> pairs;
-    std::string error, message;
-    ASSERT_TRUE(ReadGiePairs(file, part.geographic, pairs, error)) << error;
-    const auto tm = Make(kTm, kWgs84A, part.rf, part.params);
-    int checked = 0;
-    for (const auto& pair : pairs) {
-      const double* geo = pair.fromGeographic ? pair.accept : pair.expect;
-      const double* plane = pair.fromGeographic ? pair.expect : pair.accept;
-      if (std::fabs(geo[0] - part.params.lonOrigin) > 3) continue;
-      TPlanePoint ours;
-      TLonLat back;
-      ASSERT_TRUE(tm->Forward({geo[0], geo[1]}, ours, message) && tm->Inverse({plane[0], plane[1]}, back, message));
-      EXPECT_LE(pair.fromGeographic ? std::hypot(ours.x - plane[0], ours.y - plane[1])
-                                    : GroundMetres(back, {geo[0], geo[1]}, kWgs84A),
-                pair.toleranceM)
-          << part.file << ":" << pair.line;
-      ++checked;
-    }
-    EXPECT_EQ(checked, part.checked) << part.file;
-  }
-}
 
 // PROJ's nzmg (International 1924 whatever the definition says), far outside
 // New Zealand so that every term counts: all forward values match; at E
@@ -475,6 +456,51 @@ TEST(Projections, FranceLambertNamesAndDatums) {
   Zone zone;
   for (const char* unknown : {"France Lambert I", "Lambert II", "Lambert 2SP"})
     EXPECT_FALSE(FranceLambertZoneOfName(unknown, zone)) << unknown;
+}
+
+// The program's own names and captions, a few kinds each way of writing.
+TEST(ProjectionCatalogue, NamesAndCaptionsAreTheProgramsOwn) {
+  using V = std::vector<std::string_view>;
+  const std::pair<const char*, V> cases[] = {
+      {"Transveral Mercator", {"Lon Origin", "Lat Origin", "False Northing", "False Easting", "Scale Factor"}},
+      {"Lambert Conformal Conic",
+       {"Latitude of Origin", "Longitud of Origin", "False Easting", "False Northing", "Scale Factor"}},
+      {"lambert 2sp", {"Lat Standard 1", "Lat Standard 2", "Origin Lat:", "Origin Lon:", "False Easting", "False Northing"}},
+      {"(A)Lambert Azimuthual Equal Area", {"Latitude of Origin", "Longitud of Origin", "False Easting", "False Northing"}},
+      {"Polyconic", {"Lon Origin"}},
+      {"Swiss Grid", {}},
+  };
+  for (const auto& [name, captions] : cases) {
+    const TProjectionKind* kind = FindProjectionKind(name);
+    ASSERT_NE(kind, nullptr) << name;
+    V texts;
+    for (const auto& caption : kind->captions) texts.push_back(caption.text);
+    EXPECT_EQ(texts, captions) << name;
+  }
+  EXPECT_EQ(FindProjectionKind("Robinson"), nullptr);
+  std::string message;
+  EXPECT_EQ(CreateProjection("UTM", TDatum{}, {}, message), nullptr);
+  EXPECT_EQ(message, "Projection not supported: UTM");
+}
+
+// The fixed grids, and only they, name a datum, which the built-in list holds;
+// every plane kind is checked against PROJ above.
+TEST(ProjectionCatalogue, FixedGridsNameABuiltInDatum) {
+  const auto dir = test::MakeDataFolder("projection-catalogue", {});
+  int configured = 0;
+  TListaDatums datums(configured);
+  std::string error;
+  ASSERT_TRUE(datums.Load(dir.string(), (dir / "user").string(), error)) << error;
+  const std::set<std::string_view> fixedGrids = {"France Lambert II", "France Lambert III", "France Lambert IV",
+                                                 "Lambert 93", "CH-1903", "New Zealand Map Grid", "TOP50",
+                                                 "BGN (British National Grid)", "Irish Grid"};
+  int creatable = 0;
+  for (const TProjectionKind& kind : ProjectionCatalogue()) {
+    creatable += kind.create != nullptr;
+    EXPECT_EQ(fixedGrids.count(kind.name), kind.fixedDatum.empty() ? 0u : 1u) << kind.name;
+    EXPECT_TRUE(kind.fixedDatum.empty() || datums.Find(kind.fixedDatum) >= 0) << kind.name;
+  }
+  EXPECT_EQ(creatable, 19);
 }
 
 }  // namespace
