@@ -359,12 +359,13 @@ TEST_F(BuiltInDatums, ShiftsGoThroughTheGridInsideItAndFallBackOutside) {
 TEST_F(BuiltInDatums, UserDatumsAreSavedAndReadBackAfterTheBuiltInOnes) {
   Load({});
   const int builtIn = m_list.Count();
+  std::string error;
+  ASSERT_TRUE(m_list.SaveUserDatums(error)) << "none yet: " << error;
   TDatum mine = *m_list.Get(m_list.Find("European 1950"));
   mine.name = "My Local Datum";
   mine.aliasText = "MLD";
   mine.dX = -84.5;
   m_list.Add(mine);
-  std::string error;
   ASSERT_TRUE(m_list.SaveUserDatums(error)) << error;
   int configured = 0;
   TListaDatums reloaded(configured);

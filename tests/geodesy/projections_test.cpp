@@ -9,6 +9,7 @@
 #include <set>
 
 #include "geodesy/france_lambert.h"
+#include "geodesy/mercator.h"
 #include "geodesy/polyconic.h"
 #include "geodesy/projection_catalogue.h"
 #include "geodesy/transverse_mercator.h"
@@ -440,7 +441,8 @@ TEST(Projections, MeridianArcsAndThePolyconicAroundThePoles) {
   EXPECT_GT(tm.MeridianArc(1.1e-10), 0.0);
 }
 
-// The fixed French zones by name and the datum each is defined on.
+// The fixed French zones by name and the datum each is defined on; the
+// Mercator variants by name.
 TEST(Projections, FranceLambertNamesAndDatums) {
   using Zone = TFranceLambertZone;
   const std::tuple<const char*, Zone, const char*> known[] = {{"France Lambert II", Zone::LambertII, "NTF"},
@@ -456,6 +458,9 @@ TEST(Projections, FranceLambertNamesAndDatums) {
   Zone zone;
   for (const char* unknown : {"France Lambert I", "Lambert II", "Lambert 2SP"})
     EXPECT_FALSE(FranceLambertZoneOfName(unknown, zone)) << unknown;
+  TMercatorVariant variant = TMercatorVariant::Mercator;
+  EXPECT_TRUE(MercatorVariantOfName(kMercA, variant) && variant == TMercatorVariant::Elliptical);
+  EXPECT_FALSE(MercatorVariantOfName("Transversal Mercator", variant));
 }
 
 // The program's own names and captions, a few kinds each way of writing.
