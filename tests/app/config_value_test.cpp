@@ -111,7 +111,7 @@ TEST(ConfigValueTest, SecretsAreNotStoredInClearAndComeBack) {
   std::string back = "x";
   ASSERT_TRUE(ParseConfigSecret("", back));
   EXPECT_EQ(back, "");
-  for (const char* text : {"password", "~A", "~GG", "~12 4", "12"}) {
+  for (const char* text : {"password", "~A", "~GG", "~gg", "~12 4", "12"}) {
     back = "kept";
     EXPECT_FALSE(ParseConfigSecret(text, back)) << text;
     EXPECT_EQ(back, "kept");

@@ -1,4 +1,4 @@
-// PROJ's .gie test files: one operation's cases run as gie runs them, or the pairs read.
+// PROJ's .gie test files: one operation's cases run as gie runs them.
 #pragma once
 
 #include <filesystem>
