@@ -1,8 +1,7 @@
 // The ".imp" calibration reader (fuzz/calibration_round_trip.h); the first
-// write may round reals to eight decimals, so only the bytes are compared
-// from the second write on. Sub-maps are looked
-// for in a folder that does not exist, so a <Layers> entry is refused unless
-// it names an absolute path.
+// write may round reals to eight decimals, so only the bytes are compared from
+// the second write on. Sub-maps are looked for in a folder that does not
+// exist: a <Layers> entry is refused unless it names an absolute path.
 #include <cstdint>
 #include <string>
 #include <string_view>

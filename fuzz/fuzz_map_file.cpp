@@ -18,15 +18,9 @@ const velantis::TListaDatums& Datums() {
   static int configured = 0;
   static const velantis::TListaDatums datums = [] {
     velantis::TListaDatums list(configured);
-    list.Add({.name = "WGS 84", .aliasText = "WGS 1984", .invFlattening = 298.257223563,
-              .a = 6378137});
-    list.Add({.name = "Pulkovo 1942",
-              .aliasText = "Pulkovo 1942 (1);Pulkovo 1942 (2)",
-              .invFlattening = 298.3,
-              .a = 6378245,
-              .dX = 28,
-              .dY = -130,
-              .dZ = -95});
+    list.Add({.name = "WGS 84", .aliasText = "WGS 1984", .invFlattening = 298.257223563, .a = 6378137});
+    list.Add({.name = "Pulkovo 1942", .aliasText = "Pulkovo 1942 (1);Pulkovo 1942 (2)", .invFlattening = 298.3,
+              .a = 6378245, .dX = 28, .dY = -130, .dZ = -95});
     return list;
   }();
   return datums;

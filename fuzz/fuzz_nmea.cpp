@@ -1,16 +1,12 @@
 // NMEA sentences, line by line, through the parser, the interpretation
-// outside the live loop and the live handling (once as configured by
-// default, once with checksums ignored so that damaged sentences reach the
-// rules, a geoid model, an altitude offset, a satellite minimum, waypoints
-// and dialect readers), on a fixed clock.
-//
-// Invariants: a failed parse reports one of its two messages; a parsed
-// sentence's computed checksum is NmeaChecksum of its body without checksum
-// and its fields rebuild that body; every valid fix the handling produces,
-// written back as GGAM and as RMC (in both sending forms), parses with a
-// matching checksum and interprets to the same position within half a unit
-// of the last decimal, and to the same time, altitude, speed and course
-// within their printed precision.
+// outside the live loop and the live handling (as configured by default, and
+// with checksums ignored, a geoid model, an altitude offset, a satellite
+// minimum, waypoints and dialect readers) on a fixed clock. A failed parse
+// reports one of its two messages; a parsed sentence's fields rebuild its body
+// and its checksum is the body's; every valid fix, written back as GGAM and
+// RMC in both sending forms, reads back to the same position within half a
+// unit of the last decimal, and time, altitude, speed and course within their
+// printed precision.
 #include <cmath>
 #include <cstdint>
 #include <cstdio>

@@ -14,13 +14,8 @@ const velantis::TListaDatums& Datums() {
   static int configured = 0;
   static velantis::TListaDatums datums = [] {
     velantis::TListaDatums list(configured);
-    for (const char* name : {"WGS 84", "European 1979", "Ord Srvy Grt Britn"}) {
-      velantis::TDatum datum;
-      datum.name = name;
-      datum.a = 6378137;
-      datum.invFlattening = 298.257223563;
-      list.Add(datum);
-    }
+    for (const char* name : {"WGS 84", "European 1979", "Ord Srvy Grt Britn"})
+      list.Add({.name = name, .invFlattening = 298.257223563, .a = 6378137});
     return list;
   }();
   return datums;

@@ -7,11 +7,11 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
 #include "formats/native_file.h"
+#include "fuzz/fuzz_failure.h"
 
 namespace velantis::fuzz {
 
@@ -25,14 +25,10 @@ int NativeRoundTrip(const uint8_t* data, size_t size, const char* extension, TRe
   if (!read(std::string_view(reinterpret_cast<const char*>(data), size), options, element, error)) return 0;
   if (!write(path, element, options, error)) return 0;
   TElement back;
-  if (!readFile(path, options, back, error)) {
-    std::fprintf(stderr, "the written file does not read back: %s\n", error.c_str());
-    __builtin_trap();
-  }
-  if (back.PointCount() != element.PointCount()) {
-    std::fprintf(stderr, "%zu points written, %zu read back\n", element.PointCount(), back.PointCount());
-    __builtin_trap();
-  }
+  if (!readFile(path, options, back, error)) Fail("the written file does not read back: " + error, path);
+  if (back.PointCount() != element.PointCount())
+    Fail(std::to_string(element.PointCount()) + " points written, " + std::to_string(back.PointCount()) + " read back",
+         path);
   return 0;
 }
 

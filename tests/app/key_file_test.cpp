@@ -146,25 +146,6 @@ TEST(KeyFileTest, WriteRefusesWhatWouldBreakTheLines) {
   EXPECT_EQ(file.Text(), "[a]\r\nk=1\r\n");
 }
 
-TEST(KeyFileTest, MissingFileIsEmptyAndAFailedSaveLeavesTheOldFile) {
-  const auto dir = ScratchDir("keyfile-atomic");
-  TKeyFile file;
-  file.LoadText("[stale]\r\nx=1\r\n");
-  std::string error;
-  EXPECT_TRUE(file.Load((dir / "absent.ini").string(), error));
-  EXPECT_TRUE(file.Empty());
-  EXPECT_EQ(error, "");
-  const auto path = dir / "gps.ini";
-  WriteBytes(path, "[a]\r\nk=old\r\n");
-  // The temporary file cannot be created where a folder of its name stands.
-  std::filesystem::create_directory(dir / "gps.ini.tmp");
-  ASSERT_TRUE(file.Load(path.string(), error));
-  ASSERT_TRUE(file.WriteProfileString("a", "k", "new"));
-  EXPECT_FALSE(file.Save(path.string(), error));
-  EXPECT_EQ(error, "Error creating " + path.string() + ".tmp");
-  EXPECT_EQ(FileBytes(path), "[a]\r\nk=old\r\n");
-}
-
 // The setting read grows its buffer by steps (20, 30, 40 ...): every length
 // on both sides of each comes back whole; a stored "foca_noE", the read's
 // own sentinel, cannot be told from a missing key (kept so, deliberately).

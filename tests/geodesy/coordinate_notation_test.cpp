@@ -31,6 +31,9 @@ TEST(CoordinateNotation, ParsesTypedValues) {
       // on the degrees, and without an apostrophe "º" is simply dropped.
       {"-2 10'30W", -(-2 + 10.0 / 60 + 30.0 / 3600), false},
       {"41º23.5N", 4123.5, true},
+      {"0S", -0.0, true},  // south and west zero is a negative zero
+      {"0.000000W", -0.0, false},
+      {"0E", 0.0, false},
   };
   for (const TCase& c : cases) {
     double degrees = 999;
@@ -38,16 +41,8 @@ TEST(CoordinateNotation, ParsesTypedValues) {
     std::string message;
     ASSERT_TRUE(ParseLatLon(c.text, degrees, isLatitude, message)) << c.text << ": " << message;
     EXPECT_NEAR(degrees, c.degrees, 1e-12) << c.text;
+    EXPECT_EQ(std::signbit(degrees), std::signbit(c.degrees)) << c.text;
     EXPECT_EQ(isLatitude, c.isLatitude) << c.text;
-  }
-  // South and west zero is a negative zero.
-  for (const auto& [text, negative] : {std::pair{"0S", true}, std::pair{"0.000000W", true}, std::pair{"0E", false}}) {
-    double degrees = 1;
-    bool isLatitude = false;
-    std::string message;
-    ASSERT_TRUE(ParseLatLon(text, degrees, isLatitude, message)) << text;
-    EXPECT_EQ(degrees, 0) << text;
-    EXPECT_EQ(std::signbit(degrees), negative) << text;
   }
 }
 

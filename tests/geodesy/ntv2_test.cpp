@@ -18,30 +18,22 @@ namespace fs = std::filesystem;
 constexpr double kForwardToleranceDeg = 1e-8;
 constexpr double kMetresPerDegree = 111320;
 
-TEST(Ntv2, EveryRealGridReadsOrIsRefusedWithTheReadersMessage) {
+// The grid type read, or the reader's message; the datums each real grid
+// names are held by the built-in list's tests (datums_test.cpp).
+TEST(Ntv2, GridsOpenOrAreRefusedWithTheReadersMessage) {
   VELANTIS_TESTDATA_OR_SKIP(dir, "ntv2");
-  const std::tuple<const char*, bool, const char*, const char*> cases[] = {
-      {"BETA2007.gsb", true, "DHDN90", "ETRS89"},         {"ntf_r93.gsb", true, "NTF", "RGF93"},
-      {"nzgd2kgrid0005.gsb", true, "NZGD49", "NZGD2000"}, {"100800401.gsb", true, "INTER", "GRS80"},
-      {"CHENyx06a.gsb", true, "", ""},  // labels its datums DATUM_F / DATUM_T
-      {"test_hgrid_little_endian.gsb", true, "", ""},     {"test_hgrid_big_endian.gsb", false, "", ""},
+  const std::pair<const char*, const char*> cases[] = {
+      {"BETA2007.gsb", "SECONDS"},
+      {"test_hgrid_little_endian.gsb", "SECONDS"},
+      {"test_hgrid_big_endian.gsb", "NTv2 header error in "},
+      {"/nonexistent/grid.gsb", "Error opening /nonexistent/grid.gsb"},
   };
-  for (const auto& [file, opens, source, target] : cases) {
+  for (const auto& [file, text] : cases) {
     TDatumFileNTV2 grid;
     std::string error;
-    EXPECT_EQ(grid.Open((dir / file).string(), error), opens) << file << ": " << error;
-    if (!opens) {
-      EXPECT_EQ(error.rfind("NTv2 header error in ", 0), 0u) << error;
-      continue;
-    }
-    EXPECT_EQ(grid.SourceDatum(), source) << file;
-    EXPECT_EQ(grid.TargetDatum(), target) << file;
-    EXPECT_EQ(grid.GridType(), "SECONDS") << file;
+    const bool opens = grid.Open((dir / file).string(), error);
+    EXPECT_EQ((opens ? grid.GridType() : error).rfind(text, 0), 0u) << file << ": " << error;
   }
-  TDatumFileNTV2 grid;
-  std::string error;
-  EXPECT_FALSE(grid.Open("/nonexistent/grid.gsb", error));
-  EXPECT_EQ(error, "Error opening /nonexistent/grid.gsb");
 }
 
 // The largest change of the shift per arc-second between neighbouring nodes.

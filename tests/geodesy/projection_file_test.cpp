@@ -40,25 +40,20 @@ class ProjectionFile : public testing::Test {
   TListaDatums m_datums{m_configured};
 };
 
-TEST_F(ProjectionFile, ReadsEveryKey) {
+// Every key read (angles in any notation, blanks trimmed, lists joined, the
+// datum by a projection file's name) and written back in the definition form.
+TEST_F(ProjectionFile, ReadsEveryKeyAndWritesItBack) {
   const TDatosProyeccion d = Read(
-      "VERSION=1\r\nPROJECTION=Lambert 2SP\r\nNAME = Test Lambert \r\nLON_ORIGIN=2º20'14.025\"E\r\n"
-      "LAT_ORIGIN=52GRN\r\nFN=-100000.5\r\nFE=400000\r\nSCALE_FACTOR=0.9996012717\r\nLAT1=49\r\nLAT2=44.5S\r\n"
+      "VERSION=1\r\nPROJECTION=Lambert 2SP\r\nNAME = Test Lambert \r\nLON_ORIGIN=2º1'52.5\"E\r\n"
+      "LAT_ORIGIN=50GRN\r\nFN=-100000.5\r\nFE=400000\r\nSCALE_FACTOR=0.9996012717\r\nLAT1=49\r\nLAT2=44.5S\r\n"
       "OTHER_NAMES=First\r\nVERIF_POINT=1 2 3 4\r\nOTHER_NAMES=Second;Third\r\nVERIF_POINT=5 6 7 8\r\n\r\n"
       "PREFERED_DATUM=Datum_European_1979\r\nunit=Feet\r\n");
-  EXPECT_EQ(d.name, "Test Lambert");
-  EXPECT_EQ(d.projection, "Lambert 2SP");
-  EXPECT_NEAR(d.lonOrigin, 2 + 20.0 / 60 + 14.025 / 3600, 1e-12);
-  EXPECT_NEAR(d.latOrigin, 46.8, 1e-12);
-  EXPECT_EQ(d.falseNorthing, -100000.5);
-  EXPECT_EQ(d.falseEasting, 400000);
-  EXPECT_EQ(d.scaleFactor, 0.9996012717);
-  EXPECT_EQ(d.lat1, 49);
-  EXPECT_EQ(d.lat2, -44.5);
-  EXPECT_EQ(d.otherNames, "First;Second;Third");
-  EXPECT_EQ(d.verifPoints, "1 2 3 4;5 6 7 8");
-  EXPECT_EQ(d.preferredDatum, 1);
-  EXPECT_EQ(d.unit, kUnitCodeFeet);
+  std::string text, error;
+  ASSERT_TRUE(ProjectionText(d, &m_datums, text, error)) << error;
+  EXPECT_EQ(text,
+            "VERSION=1\r\nPROJECTION=Lambert 2SP\r\nNAME=Test Lambert\r\nLON_ORIGIN=2.03125\r\nLAT_ORIGIN=45\r\n"
+            "SCALE_FACTOR=0.9996012717\r\nFN=-100000.5\r\nFE=400000\r\nLAT1=49\r\nLAT2=-44.5\r\n"
+            "OTHER_NAMES=First;Second;Third\r\nVERIF_POINT=1 2 3 4;5 6 7 8\r\nPREFERED_DATUM=European 1979\r\nUNIT=FEET\r\n");
   EXPECT_EQ(d.fieldsPresent, 1023u);
   EXPECT_EQ(Read("FE=1\r\nOTHER_NAMES=a").fieldsPresent, kFieldFalseEasting);
 }
@@ -136,18 +131,8 @@ TEST_F(ProjectionFile, OlderTransverseMercatorForm) {
   }
 }
 
-TEST_F(ProjectionFile, WritesTheDefinitionFormAndReadsItBack) {
-  std::string text, error;
-  ASSERT_TRUE(ProjectionText(Read("NAME=British National Grid\r\nPROJECTION=Transversal Mercator\r\nLAT_ORIGIN=49N\r\n"
-                                  "LON_ORIGIN=2W\r\nSCALE_FACTOR=0.9996012717\r\nFE=400000\r\nFN=-100000\r\n"
-                                  "PREFERED_DATUM=OSGB36\r\nOTHER_NAMES=OSGB 1936 / British National Grid;EPSG:27700\r\n"
-                                  "UNIT=feet\r\n"),
-                             &m_datums, text, error)) << error;
-  EXPECT_EQ(text,
-            "VERSION=1\r\nPROJECTION=Transversal Mercator\r\nNAME=British National Grid\r\nLON_ORIGIN=-2\r\n"
-            "LAT_ORIGIN=49\r\nSCALE_FACTOR=0.9996012717\r\nFN=-100000\r\nFE=400000\r\n"
-            "OTHER_NAMES=OSGB 1936 / British National Grid;EPSG:27700\r\nPREFERED_DATUM=Ord Srvy Grt Britn\r\nUNIT=FEET\r\n");
-
+TEST_F(ProjectionFile, WrittenRecordsReadBackTheSame) {
+  std::string error;
   std::vector<TDatosProyeccion> records = {
       Read("VERSION=1\nPROJECTION=Lambert 2SP\nNAME=L\nLAT1=51 10'00.00204\"N\nLAT2=49.8333339\nLAT_ORIGIN=90\n"
            "LON_ORIGIN=4 22'02.952\"E\nFE=150000.013\nFN=5400088.438\n"),

@@ -53,24 +53,18 @@ TEST(Utm, ZoneAndBandRules) {
 }
 
 TEST(Utm, ZoneTextAndZoneCheck) {
-  struct TParseRow {
-    const char* text;
-    bool ok;
-    int zone;
-    char band;
-  };
-  const TParseRow parseRows[] = {{"31T", true, 31, 'T'}, {"31", true, 31, 'T'},  {"05M", true, 5, 'M'},
-                                 {" 5N", true, 5, 'N'},  {"31t", true, 31, 't'}, {"3", false, 0, 0},
-                                 {"X1", false, 0, 0},    {"3T", false, 0, 0}};
-  for (const auto& row : parseRows) {
+  // Each text parsed and printed again; a refused one leaves the zone as it was, 07Q.
+  const std::pair<const char*, const char*> parseRows[] = {{"31T", "31T"}, {"31", "31T"}, {"05M", "05M"},
+                                                           {" 5N", "05N"}, {"31t", "31t"}, {"3", "07Q"},
+                                                           {"X1", "07Q"},  {"3T", "07Q"}};
+  for (const auto& [text, printed] : parseRows) {
     TZonaUTM zone{7, 'Q'};
     std::string message;
-    EXPECT_EQ(ParseUtmZone(row.text, zone, message), row.ok) << row.text;
-    EXPECT_EQ(zone.zone, row.ok ? row.zone : 7) << row.text;
-    EXPECT_EQ(zone.band, row.ok ? row.band : 'Q') << row.text;
-    EXPECT_EQ(message, row.ok ? "" : kUtmZoneError) << row.text;
+    const bool ok = ParseUtmZone(text, zone, message);
+    EXPECT_EQ(ok, printed != std::string("07Q")) << text;
+    EXPECT_EQ(FormatUtmZone(zone), printed) << text;
+    EXPECT_EQ(message, ok ? "" : kUtmZoneError) << text;
   }
-  EXPECT_EQ(FormatUtmZone({5, 'M'}), "05M");
   EXPECT_EQ(FormatUtmZone({0, 'A'}), "00A");  // -180 computes as zone 0
   // Only the band letter is checked, though the message speaks of the number.
   const std::pair<TZonaUTM, bool> checkRows[] = {{{31, 'A'}, true},   {{31, 'Z'}, true},  {{99, 'T'}, true},
@@ -153,7 +147,7 @@ TEST(Utm, InverseLimits) {
 }
 
 // A datum change: PROJ's Molodensky then utm near the equator (where sin(φ²) and
-// sin²φ part by micrometres), 5 mm; inverting equals inverting then shifting.
+// sin²φ part by micrometres), 5 mm. UtmToUtm below holds the inverse's shift.
 TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
   TFixture f;
   const TDatum& ed50 = *f.list.Get(kEd50);
@@ -171,13 +165,6 @@ TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
     double x, y;
     ASSERT_TRUE(test::TProjReference(pipeline).Forward(geo.lon, geo.lat, x, y)) << pipeline;
     EXPECT_LE(std::hypot(utm.x - x, utm.y - y), 0.005) << geo.lat << " " << geo.lon;
-
-    TLonLat back, backOnTarget;
-    ASSERT_TRUE(UtmToLatLon(utm, kWgs84, kEd50, f.list, back, message));
-    ASSERT_TRUE(UtmToLatLon(utm, kWgs84, kWgs84, f.list, backOnTarget, message));
-    ASSERT_TRUE(f.list.Transforma_Grados_Datum(backOnTarget, kWgs84, kEd50, message));
-    EXPECT_EQ(back.lon, backOnTarget.lon);
-    EXPECT_EQ(back.lat, backOnTarget.lat);
   }
 }
 
