@@ -3,6 +3,7 @@
 // count) and write again to the same text.
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "formats/igc_file.h"
 #include "fuzz/fuzz_failure.h"
@@ -11,9 +12,8 @@ namespace {
 
 using namespace velantis;
 
-bool SamePoint(const TrkPnt& a, const TrkPnt& b) {
-  return a.lat == b.lat && a.lon == b.lon && a.time == b.time && a.altitude == b.altitude &&
-         a.altitudeBarometric == b.altitudeBarometric && a.accuracyM == b.accuracyM && a.satellites == b.satellites;
+auto Fields(const TrkPnt& p) {
+  return std::tuple(p.lat, p.lon, p.time, p.altitude, p.altitudeBarometric, p.accuracyM, p.satellites);
 }
 
 bool SameProperties(const TPropertyList* a, const TPropertyList* b) {
@@ -24,11 +24,9 @@ std::string Differences(const TTrack& a, const TTrack& b, size_t badA, size_t ba
   if (a.Count() != b.Count()) return std::to_string(a.Count()) + " points written, " + std::to_string(b.Count()) + " read back";
   if (badA != badB) return "bad records " + std::to_string(badA) + ", read back " + std::to_string(badB);
   if (!(a.KeptRecords() == b.KeptRecords())) return "the kept lines differ";
-  for (size_t i = 0; i < a.Count(); ++i) {
-    if (!SamePoint(a.Point(i), b.Point(i))) return "point " + std::to_string(i) + " differs";
-    if (!SameProperties(a.PointProperties(i), b.PointProperties(i)))
-      return "the extensions of point " + std::to_string(i) + " differ";
-  }
+  for (size_t i = 0; i < a.Count(); ++i)
+    if (Fields(a.Point(i)) != Fields(b.Point(i)) || !SameProperties(a.PointProperties(i), b.PointProperties(i)))
+      return "point " + std::to_string(i) + " or its extensions differ";
   return "";
 }
 

@@ -15,53 +15,41 @@ namespace {
 using test::CacheOf;
 using test::TOffsetM;
 
-constexpr double kTriangleSideM = 10000;
-constexpr double kTriangleHeightM = 8660.254;
-
-// Track: 0 start, 1..K turnpoints, then the finish.
-struct TCourse {
-  std::vector<TOffsetM> turnpoints;
-  TOffsetM finish;
-};
-
-TFlightPointCache CourseCache(const TCourse& course) {
-  std::vector<TOffsetM> points{{0, 0}};
-  points.insert(points.end(), course.turnpoints.begin(), course.turnpoints.end());
-  points.push_back(course.finish);
-  return CacheOf(points);
-}
-
-TOptimizationResult CourseResult(TShapeKind kind, bool closed) {
+// A course: the start at 0, the turnpoints, then the finish. The result
+// takes the points between as its turnpoints, and start and finish as its
+// closing when closed.
+TRuleScore Score(const std::vector<TOffsetM>& course, TShapeKind kind, bool closed, const TScoringRules& rules) {
   TOptimizationResult result;
   const TOptimizationShape& shape = ShapeForKind(kind);
   result.type = shape.type;
   result.turnpointCount = shape.turnpoints;
   for (int i = 0; i < shape.turnpoints; ++i) result.turnpoints[static_cast<size_t>(i)] = i + 1;
-  if (closed) {
-    result.start = 0;
-    result.finish = shape.turnpoints + 1;
-  }
-  return result;
+  result.start = closed ? 0 : kNoPoint;
+  result.finish = closed ? shape.turnpoints + 1 : kNoPoint;
+  return ScoreWithRules(CacheOf(course), result, rules);
 }
 
 TEST(ScoringRules, PointsOfEachRuleSet) {
   // Equilateral 10 km triangle from the start; 6-8-10 km triangle (shortest
   // leg 25 %); 5 km square; the finish east of the start by the gap.
   const auto equilateral = [](double gapM) {
-    return TCourse{{{0, 0}, {kTriangleSideM, 0}, {kTriangleSideM / 2, kTriangleHeightM}}, {gapM, 0}};
+    return std::vector<TOffsetM>{{0, 0}, {0, 0}, {10000, 0}, {5000, 8660.254}, {gapM, 0}};
   };
-  const auto flat = [](double gapM) { return TCourse{{{0, 0}, {8000, 0}, {8000, 6000}}, {gapM, 0}}; };
-  const auto square = [](double gapM) { return TCourse{{{0, 0}, {5000, 0}, {5000, 5000}, {0, 5000}}, {gapM, 0}}; };
-  const TCourse line{{{0, 0}, {kTriangleSideM, 0}}, {0, 0}};
-  struct TCase {
+  const auto flat = [](double gapM) {
+    return std::vector<TOffsetM>{{0, 0}, {0, 0}, {8000, 0}, {8000, 6000}, {gapM, 0}};
+  };
+  const auto square = [](double gapM) {
+    return std::vector<TOffsetM>{{0, 0}, {0, 0}, {5000, 0}, {5000, 5000}, {0, 5000}, {gapM, 0}};
+  };
+  const std::vector<TOffsetM> line{{0, 0}, {0, 0}, {10000, 0}, {0, 0}};
+  const struct {
     const char* what;
     const TScoringRules& rules;
-    TCourse course;
+    std::vector<TOffsetM> course;
     TShapeKind kind;
     bool closed;
     double expectedPoints;
-  };
-  const TCase cases[] = {
+  } cases[] = {
       {"DHV free distance", DhvOlcRules(), line, TShapeKind::FreeDistance, false, 10 * 1.5},
       {"DHV FAI, gap deducted", DhvOlcRules(), equilateral(500), TShapeKind::FaiTriangle, true, 29.5 * 2.0},
       {"DHV flat", DhvOlcRules(), equilateral(500), TShapeKind::Triangle, true, 29.5 * 1.75},
@@ -80,32 +68,29 @@ TEST(ScoringRules, PointsOfEachRuleSet) {
       {"CFD quadrilateral", FrenchCfdRules(), square(2900), TShapeKind::Quadrilateral, true, 20 * 1.2},
       {"CFD gap over 3 km", FrenchCfdRules(), equilateral(3100), TShapeKind::FaiTriangle, true, 0},
   };
-  for (const TCase& c : cases) {
-    const TRuleScore score = ScoreWithRules(CourseCache(c.course), CourseResult(c.kind, c.closed), c.rules);
+  for (const auto& c : cases) {
     // The courses are laid out on the sphere; WGS 84 differs by a few 0.1 %.
-    EXPECT_NEAR(score.score, c.expectedPoints, 0.005 * c.expectedPoints + 1e-9) << c.what;
+    EXPECT_NEAR(Score(c.course, c.kind, c.closed, c.rules).score, c.expectedPoints, 0.005 * c.expectedPoints + 1e-9)
+        << c.what;
   }
 }
 
 TEST(ScoringRules, DistanceOnTheRuleSetsEarthModel) {
-  const TCourse course{{{0, 0}, {40000, 30000}}, {0, 0}};
-  const TFlightPointCache cache = CourseCache(course);
-  const TFlightPointRecord& a = cache.Record(1);
-  const TFlightPointRecord& b = cache.Record(2);
-  struct TCase {
+  const std::vector<TOffsetM> course{{0, 0}, {0, 0}, {40000, 30000}, {0, 0}};
+  const TFlightPointRecord a = CacheOf(course).Record(1);
+  const TFlightPointRecord b = CacheOf(course).Record(2);
+  const struct {
     const TScoringRules& rules;
     GeographicLib::Geodesic model;
-  };
-  const TCase cases[] = {
+  } cases[] = {
       {DhvOlcRules(), GeographicLib::Geodesic(kFaiSphereRadiusM, 0)},
       {GlidersOlcRules(), GeographicLib::Geodesic::WGS84()},
       {FrenchCfdRules(), GeographicLib::Geodesic(kFaiSphereRadiusM, 0)},
   };
-  for (const TCase& c : cases) {
+  for (const auto& c : cases) {
     double expected = 0;
     c.model.Inverse(a.latDeg, a.lonDeg, b.latDeg, b.lonDeg, expected);
-    const TRuleScore score = ScoreWithRules(cache, CourseResult(TShapeKind::FreeDistance, false), c.rules);
-    EXPECT_NEAR(score.distanceM, expected, 1e-3) << c.rules.name;
+    EXPECT_NEAR(Score(course, TShapeKind::FreeDistance, false, c.rules).distanceM, expected, 1e-3) << c.rules.name;
   }
 }
 
