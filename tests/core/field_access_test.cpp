@@ -86,7 +86,7 @@ TEST(FieldAccess, ValuesExtremesAndRefusals) {
       {"track", 'C', Code(TFieldCode::Altitude), 2, 540, 0, 0, nullptr},
       {"track", 'C', Code(TFieldCode::DistanceFromStart), 2, 200, 0, 1e-6, nullptr},
       {"track", 'C', Code(TFieldCode::Speed), 0, 0, 0, 0, nullptr},
-      {"track", 'C', Code(TFieldCode::Speed), 1, 36, 0, 1e-4, nullptr},  // 100 m in 10 s
+      {"track", 'C', Code(TFieldCode::Speed), 2, 36, 0, 1e-4, nullptr},  // 100 m in the last 10 s
       {"track", 'C', Code(TFieldCode::ClimbRate), 2, 2, 0, 1e-5, nullptr},
       {"track", 'C', Code(TFieldCode::Course), 1, 90, 0, 1e-9, nullptr},
       {"track", 'C', Code(TFieldCode::HeartRate), 1, 140, 0, 0, nullptr},
