@@ -55,108 +55,78 @@ std::unique_ptr<TElementoGPS> Make(const std::string& kind) {
   return w;
 }
 
-TEST(FieldAccess, UnknownCodesReportTheirMessages) {
+// Every entry point over every element: G the element's Global2, C a point's
+// field, B a route waypoint's own, E the extremes over the points. Times are
+// day counts: seconds carry about a microsecond of rounding, hence the
+// tolerances on values divided by a time.
+TEST(FieldAccess, ValuesExtremesAndRefusals) {
+  const int latitude = Code(TFieldCode::Latitude);
   const struct {
     const char* element;
-    char entry;  // G Global2, C Campo (point 0), B Baliza, E Extremos
+    char entry;
     int code;
-    const char* message;
+    int index;
+    double value, high, tolerance;
+    const char* message;  // nullptr: answered
   } cases[] = {
-      {"wpt", 'G', 999, "Undef. error in TBaliza::Retorna_Val_Campo_Global2"},
-      {"wpt", 'C', Code(TFieldCode::TotalDistance), "Undef. error in TBaliza::Retorna_Val_Campo_Global2"},
-      {"list", 'C', 999, "Undef. error in TBaliza::Retorna_Val_Campo_Global2"},
-      {"list", 'G', 999, "Undef. error in TWaypoints::Retorna_Val_Campo_Global2"},
-      {"route", 'G', Code(TFieldCode::Latitude), "Undef. error in TRuta::Retorna_Val_Campo_Global2"},
-      {"route", 'B', 999, "Undef. error in TRuta::Retorna_Val_Campo_Baliza"},
-      {"route", 'C', Code(TFieldCode::HeartRate), "Undef. error in TRuta::Retorna_Val_Campo_Baliza"},
-      {"route", 'E', 999, "Undef. error in TRuta::Retorna_Val_Campo_Global2"},
-      {"track", 'G', Code(TFieldCode::Latitude), "Undef. error in TTrack::Retorna_Val_Campo_Global2"},
-      {"track", 'C', Code(TFieldCode::ProximityRadius), "Undef. error in TTrack::Retorna_Val_Campo_Global2"},
-      {"track", 'E', -1, "Undef. error in TTrack::Retorna_Val_Campo_Global2"},
-      {"track", 'C', Code(TFieldCode::Latitude), nullptr},  // known: answered
+      {"wpt", 'G', 999, 0, 0, 0, 0, "Undef. error in TBaliza::Retorna_Val_Campo_Global2"},
+      {"wpt", 'C', Code(TFieldCode::TotalDistance), 0, 0, 0, 0, "Undef. error in TBaliza::Retorna_Val_Campo_Global2"},
+      {"list", 'C', 999, 0, 0, 0, 0, "Undef. error in TBaliza::Retorna_Val_Campo_Global2"},
+      {"list", 'G', 999, 0, 0, 0, 0, "Undef. error in TWaypoints::Retorna_Val_Campo_Global2"},
+      {"route", 'G', latitude, 0, 0, 0, 0, "Undef. error in TRuta::Retorna_Val_Campo_Global2"},
+      {"route", 'B', 999, 0, 0, 0, 0, "Undef. error in TRuta::Retorna_Val_Campo_Baliza"},
+      {"route", 'C', Code(TFieldCode::HeartRate), 0, 0, 0, 0, "Undef. error in TRuta::Retorna_Val_Campo_Baliza"},
+      {"route", 'E', 999, 0, 0, 0, 0, "Undef. error in TRuta::Retorna_Val_Campo_Global2"},
+      {"track", 'G', latitude, 0, 0, 0, 0, "Undef. error in TTrack::Retorna_Val_Campo_Global2"},
+      {"track", 'C', Code(TFieldCode::ProximityRadius), 0, 0, 0, 0, "Undef. error in TTrack::Retorna_Val_Campo_Global2"},
+      {"track", 'E', -1, 0, 0, 0, 0, "Undef. error in TTrack::Retorna_Val_Campo_Global2"},
+      {"track", 'C', latitude, 3, 0, 0, 0, kFieldIndexOutOfRange},
+      {"route", 'C', latitude, 3, 0, 0, 0, kFieldIndexOutOfRange},
+      {"list", 'C', latitude, 3, 0, 0, 0, kFieldIndexOutOfRange},
+      {"track", 'C', Code(TFieldCode::Altitude), 2, 540, 0, 0, nullptr},
+      {"track", 'C', Code(TFieldCode::DistanceFromStart), 2, 200, 0, 1e-6, nullptr},
+      {"track", 'C', Code(TFieldCode::Speed), 0, 0, 0, 0, nullptr},
+      {"track", 'C', Code(TFieldCode::Speed), 2, 36, 0, 1e-4, nullptr},  // 100 m in the last 10 s
+      {"track", 'C', Code(TFieldCode::ClimbRate), 2, 2, 0, 1e-5, nullptr},
+      {"track", 'C', Code(TFieldCode::Course), 1, 90, 0, 1e-9, nullptr},
+      {"track", 'C', Code(TFieldCode::HeartRate), 1, 140, 0, 0, nullptr},
+      {"track", 'C', Code(TFieldCode::HeartRate), 0, -1, 0, 0, nullptr},
+      {"track", 'C', Code(TFieldCode::Temperature), 0, 273.15, 0, 1e-9, nullptr},
+      {"track", 'C', Code(TFieldCode::AltitudeBarometric), 0, -9999, 0, 0, nullptr},
+      {"track", 'C', Code(TFieldCode::ElapsedTime), 2, 20, 0, 1e-5, nullptr},
+      // An element code with an index, and in the extremes its value twice.
+      {"track", 'C', Code(TFieldCode::TotalDistance), 1, 200, 0, 1e-6, nullptr},
+      {"track", 'G', Code(TFieldCode::Duration), 0, 20, 0, 1e-5, nullptr},
+      {"track", 'G', Code(TFieldCode::Ascent), 0, 40, 0, 0, nullptr},
+      {"route", 'C', Code(TFieldCode::DistanceFromStart), 1, 500, 0, 1e-6, nullptr},  // through the shape point
+      {"route", 'C', Code(TFieldCode::LegDistance), 2, 0, 0, 0, nullptr},
+      {"route", 'C', Code(TFieldCode::Altitude), 1, -9999, 0, 0, nullptr},
+      {"route", 'G', Code(TFieldCode::TotalDistance), 0, 600, 0, 1e-6, nullptr},
+      {"route", 'G', Code(TFieldCode::MinAltitude), 0, 100, 0, 0, nullptr},
+      {"list", 'C', Code(TFieldCode::Time), 0, -1, 0, 0, nullptr},
+      {"list", 'C', Code(TFieldCode::SizeByte), 0, -1, 0, 0, nullptr},
+      {"list", 'G', Code(TFieldCode::MaxAltitude), 0, 2900, 0, 0, nullptr},
+      {"track", 'E', Code(TFieldCode::HeartRate), 0, 140, 140, 0, nullptr},
+      {"track", 'E', Code(TFieldCode::Temperature), 0, 273.15, 274.15, 1e-9, nullptr},
+      {"track", 'E', Code(TFieldCode::TotalDistance), 0, 200, 200, 1e-6, nullptr},
+      {"track", 'E', Code(TFieldCode::Cadence), 0, 0, 0, 0, kFieldNoValues},
+      {"list", 'E', Code(TFieldCode::Altitude), 0, 800, 2900, 0, nullptr},  // the unknown altitude is skipped
+      {"route", 'E', Code(TFieldCode::DistanceFromStart), 0, 0, 600, 1e-6, nullptr},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.element << " " << c.entry << " " << c.code);
+    SCOPED_TRACE(testing::Message() << c.element << " " << c.entry << " " << c.code << " " << c.index);
     std::unique_ptr<TElementoGPS> e = std::string(c.element) == "wpt" ? std::make_unique<TBaliza>() : Make(c.element);
     std::string error;
     double value = 0, high = 0;
+    const size_t index = static_cast<size_t>(c.index);
     const bool ok = c.entry == 'G'   ? e->Retorna_Val_Campo_Global2(c.code, value, error)
-                    : c.entry == 'C' ? e->Retorna_Val_Campo(c.code, 0, value, error)
-                    : c.entry == 'B' ? static_cast<TRuta&>(*e).Retorna_Val_Campo_Baliza(c.code, 0, value, error)
+                    : c.entry == 'C' ? e->Retorna_Val_Campo(c.code, index, value, error)
+                    : c.entry == 'B' ? static_cast<TRuta&>(*e).Retorna_Val_Campo_Baliza(c.code, index, value, error)
                                      : e->Retorna_Extremos_Campo(c.code, value, high, error);
     EXPECT_EQ(ok, c.message == nullptr);
     EXPECT_EQ(error, c.message ? c.message : "");
-  }
-}
-
-TEST(FieldAccess, ValuesOfKnownFields) {
-  // Times are day counts: seconds carry about a microsecond of rounding,
-  // hence the tolerances on values divided by a time.
-  const struct {
-    const char* element;
-    TFieldCode code;
-    int index;  // -1: the element's Global2
-    double expected, tolerance;
-  } cases[] = {
-      {"track", TFieldCode::Altitude, 2, 540, 0},
-      {"track", TFieldCode::DistanceFromStart, 2, 200, 1e-6},
-      {"track", TFieldCode::Speed, 0, 0, 0},
-      {"track", TFieldCode::Speed, 1, 36, 1e-4},  // 100 m in 10 s
-      {"track", TFieldCode::ClimbRate, 2, 2, 1e-5},
-      {"track", TFieldCode::Course, 1, 90, 1e-9},
-      {"track", TFieldCode::HeartRate, 1, 140, 0},
-      {"track", TFieldCode::HeartRate, 0, -1, 0},
-      {"track", TFieldCode::Temperature, 0, 273.15, 1e-9},
-      {"track", TFieldCode::AltitudeBarometric, 0, -9999, 0},
-      {"track", TFieldCode::ElapsedTime, 2, 20, 1e-5},
-      {"track", TFieldCode::TotalDistance, 1, 200, 1e-6},  // an element code with an index
-      {"track", TFieldCode::Duration, -1, 20, 1e-5},
-      {"track", TFieldCode::Ascent, -1, 40, 0},
-      {"route", TFieldCode::DistanceFromStart, 1, 500, 1e-6},  // through the shape point
-      {"route", TFieldCode::LegDistance, 2, 0, 0},
-      {"route", TFieldCode::Altitude, 1, -9999, 0},
-      {"route", TFieldCode::TotalDistance, -1, 600, 1e-6},
-      {"route", TFieldCode::MinAltitude, -1, 100, 0},
-      {"list", TFieldCode::Time, 0, -1, 0},
-      {"list", TFieldCode::SizeByte, 0, -1, 0},
-      {"list", TFieldCode::MaxAltitude, -1, 2900, 0},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.element << " " << static_cast<int>(c.code) << " " << c.index);
-    const std::unique_ptr<TElementoGPS> e = Make(c.element);
-    std::string error;
-    double value = 12345;
-    const bool ok = c.index < 0 ? e->Retorna_Val_Campo_Global2(Code(c.code), value, error)
-                                : e->Retorna_Val_Campo(Code(c.code), static_cast<size_t>(c.index), value, error);
-    ASSERT_TRUE(ok) << error;
-    EXPECT_NEAR(value, c.expected, c.tolerance);
-  }
-}
-
-TEST(FieldAccess, ExtremesSkipAbsentValues) {
-  const struct {
-    const char* element;
-    TFieldCode code;
-    double low, high;
-    const char* error;
-  } cases[] = {
-      {"track", TFieldCode::HeartRate, 140, 140, ""},
-      {"track", TFieldCode::Temperature, 273.15, 274.15, ""},
-      {"track", TFieldCode::TotalDistance, 200, 200, ""},  // an element code: its value twice
-      {"track", TFieldCode::Cadence, 0, 0, kFieldNoValues},
-      {"list", TFieldCode::Altitude, 800, 2900, ""},  // the unknown altitude is skipped
-      {"route", TFieldCode::DistanceFromStart, 0, 600, ""},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.element << " " << static_cast<int>(c.code));
-    std::string error;
-    double low = 0, high = 0;
-    EXPECT_EQ(Make(c.element)->Retorna_Extremos_Campo(Code(c.code), low, high, error), *c.error == '\0');
-    EXPECT_EQ(error, c.error);
-    EXPECT_NEAR(low, c.low, 1e-6);
-    EXPECT_NEAR(high, c.high, 1e-6);
-    EXPECT_FALSE(Make(c.element)->Retorna_Val_Campo(Code(TFieldCode::Latitude), 3, low, error));
-    EXPECT_EQ(error, kFieldIndexOutOfRange);
+    EXPECT_NEAR(value, c.value, c.tolerance);
+    EXPECT_NEAR(high, c.high, c.tolerance);
   }
 }
 

@@ -10,8 +10,10 @@
 namespace velantis {
 namespace {
 
-TEST(LabelColour, PacksAsRgb565) {
-  // Worked by hand: 0x80 -> level 16 of 31 -> 0x84; 0x80 -> 32 of 63 -> 0x82.
+// Worked by hand: 0x80 -> level 16 of 31 -> 0x84; 0x80 -> 32 of 63 -> 0x82.
+// Every 24-bit colour, stored, written, read back and written again, gives
+// the same number.
+TEST(LabelColour, PacksAsRgb565AndIsStableAfterOneSave) {
   const struct {
     uint32_t rgb;
     TLabelColour packed;
@@ -22,16 +24,11 @@ TEST(LabelColour, PacksAsRgb565) {
     EXPECT_EQ(PackLabelColour(c.rgb), c.packed) << c.rgb;
     EXPECT_EQ(UnpackLabelColour(c.packed), c.written) << c.rgb;
   }
-}
-
-// Every 24-bit colour: stored, written, read back and written again gives
-// the same number.
-TEST(LabelColour, EveryColourIsStableAfterOneSave) {
   uint32_t failures = 0;
   for (uint32_t rgb = 0; rgb <= 0xFFFFFF; ++rgb) {
     const uint32_t written = UnpackLabelColour(PackLabelColour(rgb));
-    if (PackLabelColour(written) != PackLabelColour(rgb) || UnpackLabelColour(PackLabelColour(written)) != written)
-      ++failures;
+    const TLabelColour stored = PackLabelColour(written);
+    failures += stored != PackLabelColour(rgb) || UnpackLabelColour(stored) != written;
   }
   EXPECT_EQ(failures, 0u);
 }

@@ -85,17 +85,5 @@ TEST(NativeText, NumbersWholeOrNothing) {
   EXPECT_EQ(whole, -42);
 }
 
-TEST(NativeText, LinesAndRecords) {
-  TLineCursor lines("W  a\r\nw b\n\r\nlast");
-  std::string_view line;
-  std::vector<std::pair<std::string, size_t>> seen;
-  while (lines.Next(line)) seen.emplace_back(std::string(line), lines.Offset());
-  const std::vector<std::pair<std::string, size_t>> expected = {{"W  a", 0}, {"w b", 6}, {"", 10}, {"last", 12}};
-  EXPECT_EQ(seen, expected);
-  EXPECT_EQ(SplitRecord("M   indented").content, " indented");
-  EXPECT_EQ(SplitRecord("E 1|2").letter, 'E');
-  EXPECT_EQ(SplitRecord("").letter, 0);
-}
-
 }  // namespace
 }  // namespace velantis

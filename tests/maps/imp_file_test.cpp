@@ -37,22 +37,16 @@ TMapCalibration FullCalibration() {
   map.coordinates = TCoordinateMode::Utm;
   map.datum = "Pulkovo 1942";
   map.calibrationMode = kCalibrationModeProjective;
-  map.projectionToView = "1,Lat/Long,";
-  map.copyright = "(c) survey";
-  map.maxZoomLevel = "18";
-  map.minZoomLevel = "3";
-  map.mapScale = "25000";
-  map.reqVersion = "7";
-  map.name = "Sheet N-37";
-  map.description = "scanned, 300 dpi";
   map.bitmap = "sheet.png";
   map.bitmapWidth = 3809;
   map.bitmapHeight = 4550;
   int n = 0;
   for (std::string TMapCalibration::*text :
-       {&TMapCalibration::bitsPerPixel, &TMapCalibration::memoryUse, &TMapCalibration::remote,
-        &TMapCalibration::vectorMap, &TMapCalibration::scaleMpix,
-        &TMapCalibration::transparentColor, &TMapCalibration::tolTransparentColor,
+       {&TMapCalibration::projectionToView, &TMapCalibration::copyright, &TMapCalibration::maxZoomLevel,
+        &TMapCalibration::minZoomLevel, &TMapCalibration::mapScale, &TMapCalibration::reqVersion,
+        &TMapCalibration::name, &TMapCalibration::description, &TMapCalibration::bitsPerPixel,
+        &TMapCalibration::memoryUse, &TMapCalibration::remote, &TMapCalibration::vectorMap,
+        &TMapCalibration::scaleMpix, &TMapCalibration::transparentColor, &TMapCalibration::tolTransparentColor,
         &TMapCalibration::reloadTime, &TMapCalibration::poiImages, &TMapCalibration::orientation,
         &TMapCalibration::orientationRange}) {
     map.*text = "value " + std::to_string(++n);

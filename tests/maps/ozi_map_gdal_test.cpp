@@ -1,18 +1,13 @@
 // The real OziExplorer maps against GDAL's reading of the same files
-// (gdaltransform -order 1, a least-squares affine fit like ours): pixel →
-// WGS 84 at the corners, the centre and the calibration points.
-//
-// Where the two would differ by design, the test makes them meet:
-// - GDAL's MAP driver opens the image the file names, so a blank PNG of the
-//   size on the IWH line is written where the file says it is.
-// - For a map on another datum than WGS 84, PROJ would choose its own
-//   transformation (for Pulkovo 1942 EPSG:15865, a seven-parameter Helmert,
-//   about 8 m away from our three-parameter shift); the test hands GDAL the
-//   map's projection with our datum's shifts (-s_srs … +towgs84), so that
-//   both sides shift with the same parameters and the comparison is of the
-//   calibration itself.
-// - Without -order 1, GDAL fits a second-order polynomial to six or more
-//   points, which is not our transform.
+// (gdaltransform -order 1, a least-squares affine fit like ours; without it
+// GDAL fits a second-order polynomial to six or more points): pixel → WGS 84
+// at the corners, the centre and the calibration points.
+// GDAL's MAP driver opens the image the file names, so a blank PNG of the
+// map's size is written there. For a map on another datum than WGS 84, PROJ
+// would choose its own transformation (for Pulkovo 1942 a seven-parameter
+// Helmert about 8 m from our three-parameter shift), so GDAL is handed the
+// map's projection with our datum's shifts (+towgs84): the comparison is of
+// the calibration itself.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -30,11 +25,9 @@ namespace velantis {
 namespace {
 
 constexpr double kMetresPerDegree = 111320;
-// Agreement asked of the two: 1 m and half a pixel would do for a map; they
-// agree far better (under a millimetre on the WGS 84 maps; about 6 cm and a
-// hundredth of a pixel on the Pulkovo maps, which is what Molodensky's
-// formulas leave against PROJ's geocentric shift), so the bounds are set
-// close enough to catch a real slip.
+// They agree under a millimetre on the WGS 84 maps and to about 6 cm and a
+// hundredth of a pixel on the Pulkovo maps (Molodensky's formulas against
+// PROJ's geocentric shift): bounds close enough to catch a real slip.
 constexpr double kToleranceM = 0.1;
 constexpr double kTolerancePixels = 0.05;
 
@@ -62,44 +55,15 @@ std::string SourceSrs(const TMapCalibration& map, const TDatum& datum) {
   const TProjectionParams& p = map.projection.params;
   std::ostringstream srs;
   srs.precision(17);
-  srs << "+proj=tmerc +lat_0=" << p.latOrigin << " +lon_0=" << p.lonOrigin
-      << " +k=" << p.scaleFactor << " +x_0=" << p.falseEasting << " +y_0=" << p.falseNorthing
-      << " +a=" << datum.a << " +rf=" << datum.invFlattening << " +towgs84=" << datum.dX << ","
-      << datum.dY << "," << datum.dZ << ",0,0,0,0 +units=m +no_defs";
+  srs << "-s_srs '+proj=tmerc +lat_0=" << p.latOrigin << " +lon_0=" << p.lonOrigin << " +k=" << p.scaleFactor
+      << " +x_0=" << p.falseEasting << " +y_0=" << p.falseNorthing << " +a=" << datum.a
+      << " +rf=" << datum.invFlattening << " +towgs84=" << datum.dX << "," << datum.dY << "," << datum.dZ
+      << ",0,0,0,0 +units=m +no_defs' ";
   return srs.str();
 }
 
-// The image size: the IWH line's, else (files without one) the extent of the
-// main polygon, which lies on the image.
-void FillImageSize(TMapCalibration& map) {
-  if (map.bitmapWidth > 0 && map.bitmapHeight > 0) return;
-  for (const TPlanePoint& point : map.polygonBitmap) {
-    map.bitmapWidth = std::max(map.bitmapWidth, static_cast<int>(point.x) + 1);
-    map.bitmapHeight = std::max(map.bitmapHeight, static_cast<int>(point.y) + 1);
-  }
-}
-
-// A blank image of the map's size where the file names it.
-void WriteBlankImage(const std::filesystem::path& folder, const TMapCalibration& map) {
-  const std::filesystem::path image = folder / map.bitmap;
-  std::filesystem::create_directories(image.parent_path());
-  const std::string command = "gdal_create -q -of PNG -ot Byte -bands 1 -outsize " +
-                              std::to_string(map.bitmapWidth) + " " +
-                              std::to_string(map.bitmapHeight) + " " + Quoted(image.string());
-  ASSERT_EQ(std::system(command.c_str()), 0) << command;
-}
-
-std::vector<TPlanePoint> SamplePixels(const TMapCalibration& map) {
-  const double w = map.bitmapWidth;
-  const double h = map.bitmapHeight;
-  std::vector<TPlanePoint> pixels = {{0, 0}, {w, 0}, {0, h}, {w, h}, {w / 2, h / 2}};
-  for (const TCalibrationPoint& point : map.points) pixels.push_back({point.pixelX, point.pixelY});
-  return pixels;
-}
-
 // GDAL's longitude and latitude of each pixel.
-std::vector<TLonLat> GdalCoordinates(const std::filesystem::path& mapFile,
-                                     const std::string& sourceSrs,
+std::vector<TLonLat> GdalCoordinates(const std::filesystem::path& mapFile, const std::string& sourceSrs,
                                      const std::vector<TPlanePoint>& pixels) {
   const std::filesystem::path input = mapFile.parent_path() / "pixels.txt";
   {
@@ -107,10 +71,8 @@ std::vector<TLonLat> GdalCoordinates(const std::filesystem::path& mapFile,
     out.precision(17);
     for (const TPlanePoint& pixel : pixels) out << pixel.x << " " << pixel.y << "\n";
   }
-  std::string command = "gdaltransform -order 1 -t_srs EPSG:4326 ";
-  if (!sourceSrs.empty()) command += "-s_srs " + Quoted(sourceSrs) + " ";
-  command += Quoted(mapFile.string()) + " < " + Quoted(input.string()) + " 2>&1";
-  std::istringstream output(Run(command));
+  std::istringstream output(Run("gdaltransform -order 1 -t_srs EPSG:4326 " + sourceSrs + Quoted(mapFile.string()) +
+                                " < " + Quoted(input.string()) + " 2>&1"));
   std::vector<TLonLat> result;
   for (TLonLat geo; output >> geo.lon >> geo.lat;) {
     double height;
@@ -134,35 +96,46 @@ TEST_P(OziMapGdalTest, PixelsGiveTheCoordinatesGdalGives) {
   ASSERT_TRUE(ReadOziMapFile(source.string(), datums, calibration, error)) << error;
   TCalibratedMap map;
   ASSERT_TRUE(map.Open(calibration, datums, "", error)) << error;
-  FillImageSize(calibration);
-
+  // Files without an IWH line: the image holds the main polygon.
+  int& w = calibration.bitmapWidth;
+  int& h = calibration.bitmapHeight;
+  if (w <= 0 || h <= 0) {
+    for (const TPlanePoint& point : calibration.polygonBitmap) {
+      w = std::max(w, static_cast<int>(point.x) + 1);
+      h = std::max(h, static_cast<int>(point.y) + 1);
+    }
+  }
   const std::filesystem::path folder = test::ScratchDir("ozi-gdal");
   const std::filesystem::path mapFile = folder / source.filename();
   std::filesystem::copy_file(source, mapFile);
-  WriteBlankImage(folder, calibration);
-  const std::vector<TPlanePoint> pixels = SamplePixels(calibration);
+  const std::filesystem::path image = folder / calibration.bitmap;
+  std::filesystem::create_directories(image.parent_path());
+  const std::string blank = "gdal_create -q -of PNG -ot Byte -bands 1 -outsize " + std::to_string(w) + " " +
+                            std::to_string(h) + " " + Quoted(image.string());
+  ASSERT_EQ(std::system(blank.c_str()), 0) << blank;
+
+  std::vector<TPlanePoint> pixels = {{0, 0}, {1.0 * w, 0}, {0, 1.0 * h}, {1.0 * w, 1.0 * h}, {w / 2.0, h / 2.0}};
+  for (const TCalibrationPoint& point : calibration.points) pixels.push_back({point.pixelX, point.pixelY});
   const std::vector<TLonLat> gdal =
       GdalCoordinates(mapFile, SourceSrs(calibration, *datums.Get(map.Datum())), pixels);
   ASSERT_EQ(gdal.size(), pixels.size()) << "gdaltransform gave no answer for each pixel";
-
   for (size_t i = 0; i < pixels.size(); ++i) {
+    SCOPED_TRACE(testing::Message() << "pixel " << pixels[i].x << " " << pixels[i].y);
     TLonLat ours;
     ASSERT_TRUE(map.PixelToCoord(pixels[i], 0, ours, error)) << error;
     const double northM = (ours.lat - gdal[i].lat) * kMetresPerDegree;
-    const double eastM =
-        (ours.lon - gdal[i].lon) * kMetresPerDegree * std::cos(ours.lat * M_PI / 180);
-    EXPECT_LT(std::hypot(northM, eastM), kToleranceM)
-        << "pixel " << pixels[i].x << " " << pixels[i].y;
+    const double eastM = (ours.lon - gdal[i].lon) * kMetresPerDegree * std::cos(ours.lat * M_PI / 180);
+    EXPECT_LT(std::hypot(northM, eastM), kToleranceM);
     TPlanePoint back;
     ASSERT_TRUE(map.CoordToPixel(gdal[i], 0, back, error)) << error;
-    EXPECT_LT(std::hypot(back.x - pixels[i].x, back.y - pixels[i].y), kTolerancePixels)
-        << "pixel " << pixels[i].x << " " << pixels[i].y;
+    EXPECT_LT(std::hypot(back.x - pixels[i].x, back.y - pixels[i].y), kTolerancePixels);
   }
 }
 
 INSTANTIATE_TEST_SUITE_P(RealMaps, OziMapGdalTest,
-                         ::testing::Values("ozi1.map", "ozi2.map", "ozi3.map", "o37-122.map",
-                                           "m47-022.map", "9410_4633_14.map"), test::TFileParamName());
+                         ::testing::Values("ozi1.map", "ozi2.map", "ozi3.map", "o37-122.map", "m47-022.map",
+                                           "9410_4633_14.map"),
+                         test::TFileParamName());
 
 }  // namespace
 }  // namespace velantis
