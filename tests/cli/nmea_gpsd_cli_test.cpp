@@ -1,14 +1,11 @@
 // The real receiver captures through `velantis nmea --json`, fix by fix
-// against a real gpsd's TPV reports (`gpsfake -1 -q -p` replays a capture
-// through a pseudo-terminal into gpsd): each must be one of our fixes at its
-// time of day, positions within 1e-7 degrees, altitudes within 1 cm, speed
-// and course to gpsd's digits. Our rules differ on purpose: dates (gpsd
-// applies 1024-week rollovers: only the time of day is compared); gpsd
-// merges a second into one report where we print each GGA and RMC (altitude
-// compared where one of ours has it, a GGA's 0 m being none; speed and course
-// in seconds with a moving RMC, gpsd replacing a speed of 0; Garmin altitude
-// comes from $PGRMZ for gpsd); after the first GGA or RMC we take no GLL, so
-// a report with no fix of ours must be a GLL position of that second.
+// against a real gpsd's TPV reports (gpsfake replays a capture through a
+// pseudo-terminal into gpsd): positions within 1e-7 degrees, altitude 1 cm,
+// speed and course to gpsd's digits. On purpose we differ: only the time of
+// day is compared (gpsd applies week rollovers); gpsd merges a second into
+// one report (altitude where one of ours has it, a Garmin's from $PGRMZ for
+// gpsd; speed and course with a moving RMC); after the first GGA or RMC we
+// take no GLL, so a report with no fix of ours must be a GLL position.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,6 +1,5 @@
-// velantis detect, nmea and live on live sources: a pseudo-terminal with a
-// simulated receiver behind it, a TCP NMEA source that goes away, a port that
-// does not exist.
+// velantis detect, nmea and live on live sources: a simulated receiver behind
+// a pseudo-terminal, a TCP source that goes away, a port that does not exist.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -9,7 +8,7 @@
 #include <regex>
 
 #include "tests/cli/run_velantis.h"
-#include "tests/comm/comm_test_support.h"
+#include "tests/support/nmea_link.h"
 
 namespace velantis::test {
 namespace {
@@ -21,7 +20,7 @@ TEST(ReceiverCommands, DetectOnAPseudoTerminalAndErrors) {
   const std::string missing = "/nonexistent/ttyVELANTIS";
   const std::tuple<std::vector<TChunk>, std::string, int, std::string, std::string> cases[] = {
       {{{50, kGga}, {200, kGga}}, "", 0, "NMEA\n", ""},
-      // Silence: the line reader gives up after Comm_NNEA_Timeout (2 s).
+      // Silence: the reader gives up after Comm_NNEA_Timeout (2 s).
       {{}, "", 1, "", "velantis:  Error receiving NMEA, no message received! \n"},
       {{}, missing, 1, "",
        "velantis: Error de Windows: " + missing + " lasterror= 2 (No such file or directory)\n"},
@@ -34,9 +33,9 @@ TEST(ReceiverCommands, DetectOnAPseudoTerminalAndErrors) {
   }
 }
 
-// A TCP source until it closes: the GGA carries no date (today's, UTC, until
-// the RMC brings one); a lost fix prints once, when it is lost, with no
-// position. A file of the same sentences says the same in words.
+// A TCP source until it closes: the GGA carries no date (today's, until the
+// RMC brings one); a lost fix prints once, with no position. A file of the
+// same sentences says the same in words.
 TEST(ReceiverCommands, NmeaFollowsATcpSourceAndPrintsALostFixOnce) {
   const std::string sent = kGga + kRmc + Nmea("GPRMC,123521,V,,,,,,,230394,,") +
                            Nmea("GPRMC,123522,V,,,,,,,230394,,") +
@@ -83,9 +82,8 @@ size_t CountLines(const std::string& text, const std::string& start) {
   return std::distance(std::sregex_iterator(text.begin(), text.end(), line), std::sregex_iterator());
 }
 
-// The GGA and the RMC of one second make one point; every point is in the
-// file as soon as it came, whatever ends the program; notation 1 whatever is
-// configured; the program comes back after the port closed.
+// The GGA and RMC of one second make one point, in the file as soon as it
+// came whatever ends the program, in notation 1; the port is reopened.
 TEST(ReceiverCommands, LiveRecordsTheTrackAcrossAReconnectionAndAKill) {
   for (const int signal : {SIGINT, SIGKILL}) {
     const auto user = ScratchDir("live-user");
@@ -100,15 +98,16 @@ TEST(ReceiverCommands, LiveRecordsTheTrackAcrossAReconnectionAndAKill) {
         server.CloseClient();
       }
     });
-    TRunningVelantis live({"live", server.Address()}, user.string());
     const auto file = user / "TrackMovingMap-1994-03-23.trk";
     std::string track;  // once it holds 5 points (within 10 s)
-    for (int i = 0; i < 100 && CountLines(track, "T  ") < 5; ++i) {
-      std::this_thread::sleep_for(std::chrono::milliseconds(100));
-      if (std::filesystem::exists(file)) track = FileBytes(file);
-    }
-    receiver.join();
-    const TRunResult run = live.Stop(signal);
+    const TRunResult run = RunVelantis({"live", server.Address()}, "", [&] {
+      for (int i = 0; i < 100 && CountLines(track, "T  ") < 5; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        if (std::filesystem::exists(file)) track = FileBytes(file);
+      }
+      receiver.join();
+      return signal;
+    }, user.string());
     EXPECT_EQ(CountLines(track, "T  "), 5u) << track;
     for (const char* line : {"\nz  0000000005,+048.118333,+0011.516667,+048.118517,+0011.516667",
                              "\nm  1994-03-23 12:35:00|1994-03-23 12:35:11", "\nU  1\r\n"})

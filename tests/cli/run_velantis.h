@@ -1,6 +1,7 @@
 // Runs the built velantis program as a user would, in a scratch user folder.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,20 +14,9 @@ struct TRunResult {
 };
 
 // Runs velantis with args (each one argument, no shell), feeding stdinText.
-TRunResult RunVelantis(const std::vector<std::string>& args, const std::string& stdinText = "");
-
-// A velantis that runs until it is sent a signal (a live command).
-class TRunningVelantis {
-public:
-  // userDir: the user folder the program is given.
-  TRunningVelantis(const std::vector<std::string>& args, const std::string& userDir);
-  ~TRunningVelantis();
-  // Sends the signal and waits for the program to end.
-  TRunResult Stop(int signal);
-
-private:
-  int m_pid = -1;
-  std::string m_out, m_err;
-};
+// A program that runs until it is told (a live command): whileRunning is
+// called once it started, and the signal it returns is sent to it.
+TRunResult RunVelantis(const std::vector<std::string>& args, const std::string& stdinText = "",
+                       const std::function<int()>& whileRunning = {}, const std::string& userDir = "");
 
 }  // namespace velantis::test

@@ -5,7 +5,7 @@
 #include <deque>
 
 #include "core/waypoints.h"
-#include "tests/comm/comm_test_support.h"
+#include "tests/support/nmea_link.h"
 
 namespace velantis {
 namespace {
@@ -13,8 +13,6 @@ namespace {
 using test::Nmea;
 using test::RecordAtTestNow;
 
-constexpr float kRadiansPerDegreeSingle = 0.017453292f;  // the receivers' firmware value
-constexpr double kKmhPerKnot = 1.852;
 const std::string kGga = Nmea("GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
 const std::string kRmc = Nmea("GPRMC,123520,A,4807.040,N,01131.000,E,022.4,084.4,230394,003.1,W");
 const std::string kGll = Nmea("GPGLL,4916.45,N,12311.12,W,225444,A,");
@@ -29,7 +27,7 @@ std::string Marks(TNmeaLiveHandler& handler, TPosicionNMEA& record, const std::v
 }
 
 // A wrong checksum and none at all are refused only with the checksum on;
-// the log has the line without its end, "ChecksumError!" right after it.
+// the log has the line without its end, then "ChecksumError!".
 TEST(NmeaLiveHandler, ParseFailuresChecksumPolicyAndLog) {
   const std::string wrong = kGga.substr(0, kGga.size() - 3) + "0\r\n";  // "*40" for "*47"
   const std::string none = kGga.substr(0, kGga.find('*')) + "\r\n";
@@ -49,9 +47,8 @@ TEST(NmeaLiveHandler, ParseFailuresChecksumPolicyAndLog) {
   }
 }
 
-// GGA never moves the position under an RMC filter and GLL is refused, not
-// unknown; GLL counts only until another position sentence, until Start() or
-// EnableGllFallback().
+// Under an RMC filter GGA never moves the position and GLL is refused, not
+// unknown; GLL counts until another position sentence, Start() or EnableGllFallback().
 TEST(NmeaLiveHandler, FilterAndGllFallback) {
   TNmeaLiveHandler handler(test::Settings([](auto& s) { s.sentenceFilter = "RMC"; }));
   TPosicionNMEA record = RecordAtTestNow();
@@ -76,25 +73,23 @@ TEST(NmeaLiveHandler, FilterAndGllFallback) {
 }
 
 // Course and speed (a short VTG is passed over), wind (left of the bow: a
-// full turn less the angle, in single precision), water (an empty reading
-// keeps the last), heading; a WPL is a waypoint when a list is attached.
+// full turn less the angle), water (an empty reading keeps the last),
+// heading, in radians and km/h; a WPL is a waypoint when a list is attached.
 TEST(NmeaLiveHandler, CourseSpeedMarineSentencesAndWaypoints) {
   TNmeaLiveHandler handler;
   TPosicionNMEA r = RecordAtTestNow();
   const std::string wpl = Nmea("GPWPL,4917.16,N,12310.64,W,003");
+  EXPECT_EQ(Marks(handler, r, {Nmea("HEHDT,,T")}) + (r.hdtReceived ? " received" : ""), "0");  // no heading
   EXPECT_EQ(Marks(handler, r, {Nmea("GPVTG,054.7,T,034.4,M,005.5,N,010.2,K"), Nmea("GPVTG,090.0,T,034.4,M,009.9"),
                                Nmea("IIVWR,045.0,L,12.6,N,6.5,M,23.3,K"), Nmea("IIVWT,030.0,R,10.0,N,5.1,M,18.5,K"),
                                Nmea("YXMTW,17.5,C"), Nmea("SDMTW,,C"), Nmea("SDVHW,231.3,T,229.9,M,6.6,N,12.3,K"),
                                Nmea("HEHDT,274.07,T"), wpl}),
             "000000000");
-  EXPECT_FLOAT_EQ(static_cast<float>(r.courseRad), 54.7f * kRadiansPerDegreeSingle);
-  EXPECT_DOUBLE_EQ(r.speedKmh, 5.5 * kKmhPerKnot);
-  EXPECT_FLOAT_EQ(r.relativeWindAngleRad, 6.2831855f - 45.0f * kRadiansPerDegreeSingle);
-  EXPECT_FLOAT_EQ(r.relativeWindSpeedKmh, static_cast<float>(12.6 * kKmhPerKnot));
-  EXPECT_FLOAT_EQ(r.trueWindAngleRad, 30.0f * kRadiansPerDegreeSingle);
-  EXPECT_FLOAT_EQ(r.waterTemperatureC, 17.5f);
-  EXPECT_FLOAT_EQ(r.speedThroughWaterKmh, static_cast<float>(6.6 * kKmhPerKnot));
-  EXPECT_FLOAT_EQ(r.trueHeadingRad, 274.07f * kRadiansPerDegreeSingle);
+  char values[200];
+  std::snprintf(values, sizeof values, "%.6g %.6g %.6g %.6g %.6g %.6g %.6g %.6g", r.courseRad, r.speedKmh,
+                r.relativeWindAngleRad, r.relativeWindSpeedKmh, r.trueWindAngleRad, r.waterTemperatureC,
+                r.speedThroughWaterKmh, r.trueHeadingRad);
+  EXPECT_STREQ(values, "0.954695 10.186 5.49779 23.3352 0.523599 17.5 12.2232 4.78342");
   EXPECT_TRUE(r.vwrReceived && r.vwtReceived && r.mtwReceived && r.vhwReceived && r.hdtReceived && !r.newData);
   EXPECT_EQ(handler.UnrecognisedCount(), 0);
   TWaypoints list;
@@ -123,8 +118,8 @@ TEST(NmeaLiveHandler, DepthIsKeptAndCopiedWithEachPosition) {
   }
 }
 
-// The GSV cycle (chip 4: only "GLGSV" counts); more than 10 unrecognised
-// sentences since the last position: the next GSV declares the fix lost.
+// The GSV cycle (chip 4: only "GLGSV" counts); after more than 10 unrecognised
+// sentences since the last position the next GSV declares the fix lost.
 TEST(NmeaLiveHandler, GsvCycleAndTheLostFix) {
   const std::string gp1 = Nmea("GPGSV,2,1,05,01,40,083,46,02,17,308,41,12,07,344,39,14,22,228,45");
   const std::string gp2 = Nmea("GPGSV,2,2,05,15,10,010,30");
@@ -192,7 +187,7 @@ TEST(NmeaLiveHandler, DialectReaders) {
   EXPECT_EQ(Marks(handler, record, {Nmea("D,42")}), "1");
   EXPECT_TRUE(record.newData);
   record.newData = false;
-  EXPECT_EQ(Marks(handler, record, {Nmea("d,42"), Nmea("TUA,1"), Nmea("PVABD,1"), Nmea("GPABD,1")}), "0000");
+  EXPECT_EQ(Marks(handler, record, {Nmea("d,42"), Nmea("TUA"), Nmea("PVABD,1"), Nmea("GPABD,1")}), "0000");
   EXPECT_FALSE(record.newData);
   EXPECT_EQ(seen, (std::vector<std::string>{"D", "d", "TUA", "VABD"}));
   EXPECT_EQ(handler.UnrecognisedCount(), 2);  // the first "D" and "ABD"
@@ -219,7 +214,7 @@ private:
 };
 
 // Up to the first position; after linesWithoutPosition lines without one the
-// fix is cleared and the GLL fallback is on again; nothing read fails at once.
+// fix is cleared and GLL allowed again; nothing read fails at once.
 TEST(NmeaLiveCycle, PositionSilenceAndCancel) {
   TMemoryPort port({kGsa, kGga, kGsa, kGsa, kGsa, kGsa, kGsa, kGsa});
   TNmeaLiveHandler handler(test::Settings([](auto& s) { s.linesWithoutPosition = 5; }));

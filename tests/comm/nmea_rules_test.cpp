@@ -1,6 +1,6 @@
-// The GGA, RMC, GLL and GGAM rules, the interpretation outside the live loop
-// and the field readers, on the published NMEA 0183 examples and the edge
-// cases of receivers; the record's settings, clock and datum (against PROJ).
+// The position rules, the interpretation outside the live loop and the field
+// readers on the published NMEA 0183 examples and receivers' edge cases; the
+// record's settings, clock and datum (against PROJ).
 #include <cfloat>
 #include <ctime>
 #include <numbers>
@@ -12,7 +12,7 @@
 #include "comm/speed_unit.h"
 #include "core/waypoints.h"
 #include "geodesy/lista_datums.h"
-#include "tests/comm/comm_test_support.h"
+#include "tests/support/nmea_link.h"
 #include "tests/support/proj_reference.h"
 
 namespace velantis {
@@ -35,8 +35,7 @@ std::string Rmc(std::string_view status, std::string_view date = "230394",
 }
 
 // The record in one line: valid, differential, date present; latitude,
-// longitude, altitude, satellites, HDOP, time, km/h, course and variation
-// in degrees.
+// longitude, altitude, satellites, HDOP, time, km/h, course, variation.
 std::string Summary(const TPosicionNMEA& r) {
   char text[256];
   std::snprintf(text, sizeof text, "%c%c%c %.9f %.9f %g %u %.1f %s %.3f %.1f %.1f",

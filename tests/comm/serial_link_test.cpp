@@ -1,5 +1,5 @@
 // The serial link over real pseudo-terminals, loopback sockets, files and
-// FIFOs: the port, its errors and the NMEA line reader.
+// FIFOs: the port, its errors, the NMEA line reader and the commands on it.
 #include "comm/serial_port.h"
 
 #include <sys/stat.h>
@@ -8,9 +8,12 @@
 #include <fstream>
 
 #include "app/config.h"
+#include "comm/comm_commands.h"
 #include "comm/nmea_line_reader.h"
+#include "comm/nmea_protocol.h"
+#include "comm/nmea_sentence_tx.h"
 #include "comm/serial_error.h"
-#include "tests/comm/comm_test_support.h"
+#include "tests/support/nmea_link.h"
 
 namespace velantis {
 namespace {
@@ -188,10 +191,7 @@ TEST(SerialError, TextIsCodeThenDetailThenTheSystemsReason) {
   const std::tuple<int32_t, std::string, int, std::string> cases[] = {
       {0, "", 0, "Ya conectado"},
       {1, "", 0, ""},
-      {2, "/dev/ttyUSB0", 2, "Error de Windows: /dev/ttyUSB0 lasterror= 2 (No such file or directory)"},
       {3, "", 5, "Error en la recepcion lasterror= 5 (Input/output error)"},
-      {4, "COM3", 0, "Error, puerto cerrado! COM3"},
-      {5, "", 0, "Error, en la transmision!"},
       {6, "", 0, "Error default"},
       {-1, "x", 0, "Error default x"},
   };
@@ -210,13 +210,10 @@ const std::string kGsa = Nmea("GPGSA,A,3,04,05,,09,12,,,24,,,,,2.5,1.3,2.1");
 
 // One reader on a pseudo-terminal per row, chunks sent on their schedule:
 // the lines ReadLine gives in turn (-1 gives ""), how long the first read
-// takes, where it ends and what it leaves in the buffer, the one error and
-// log entry. Every complete line comes out whole and in order (a scan that
-// forgot a line before a later "$" would lose the GGA). Silence: the
-// time-out, the "@" marker. 99 bytes and the "@" are still a short buffer,
-// 100 are garbage, reported with what came (control bytes logged as dots);
-// with 100 bytes in the buffer arriving bytes no longer keep the read alive,
-// and each read counts at least its 100 ms though it returned at once.
+// takes, where it ends, what it leaves in the buffer, the error and log
+// entry. Silence leaves the "@" marker; 99 bytes and the "@" are still a
+// short buffer, 100 are garbage (control bytes logged as dots), after which
+// arriving bytes no longer keep the read alive; each read counts 100 ms.
 TEST(NmeaLineReader, Scenarios) {
   const std::string noise = std::string("\x10\x06\xfe garbage\r\n", 13), cut = "$GPGGA,1015";
   const std::string bareLf = "$GPGLL,4124.8963,N,00211.6411,E,101015.00,A,A*6C\n";
@@ -299,7 +296,7 @@ TEST(NmeaLineReader, SingleReadReturnsAtOnce) {
   EXPECT_EQ(reader.ReadLineOnce(*link.port, line), static_cast<int>(kGga.size() - 1));
 }
 
-TEST(NmeaLineReader, SilentTcpSourceIsNotLoggedAndAFileEnds) {
+TEST(NmeaLineReader, SilentTcpSourceIsNotLogged) {
   test::TLoopbackServer server;
   const auto tcp = OpenSerialPort(server.Address(), 4800);
   TNmeaLineReader reader(200);
@@ -309,16 +306,132 @@ TEST(NmeaLineReader, SilentTcpSourceIsNotLoggedAndAFileEnds) {
   EXPECT_EQ(reader.ReadLine(*tcp, line, errors), -1);
   EXPECT_EQ(errors.Records().at(0).message, kSilence);
   EXPECT_TRUE(test::LoggedTexts().empty());
-  const std::filesystem::path file = test::ScratchDir("line-replay") / "walk.nmea";
-  std::ofstream(file, std::ios::binary) << kGga << kRmc << "$GPGGA,1016";
-  const auto replay = OpenSerialPort(file.string(), 4800);
-  TNmeaLineReader fileReader;
-  for (const std::string& expected : {kGga, kRmc}) {
-    EXPECT_GT(fileReader.ReadLine(*replay, line, errors), 0);
-    EXPECT_EQ(line, expected);
+}
+
+TEST(NmeaProtocol, DetectionOnAReceiver) {
+  const std::string gga = Nmea("GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
+  const std::string noFix = Nmea("GPGGA,123519,,,,,0,00,,,M,,M,,");  // still a receiver
+  const std::string gsv = Nmea("GPGSV,3,1,11,03,03,111,00,04,15,270,00,06,01,010,00,13,06,292,00");
+  const std::string zda = Nmea("GPZDA,201530.00,04,07,2002,00,00");
+  const std::string none;
+  struct TCase {
+    std::vector<std::string> lines;
+    bool skip, cancel, found;
+    std::string_view error;  // the last one put in the sink
+  };
+  const TCase cases[] = {
+      {{zda, gga}, false, false, true, none},
+      {{gsv}, false, false, true, none},  // only GSV at first
+      {{zda, noFix}, false, false, true, none},
+      {{zda, zda, zda, zda, zda, gga}, false, false, false, kNmeaDetectUnusable},
+      {{zda, zda, zda, zda, gga}, false, false, true, none},
+      {{"$GPGGA,1*4\r\n", gga}, false, false, false, kNmeaErrorChecksumSection},
+      {{}, false, false, false, kNmeaSilenceText},
+      {{}, true, false, true, none},
+      {{zda, zda}, false, true, false, "Cancelled"},
+  };
+  for (const TCase& c : cases) {
+    SCOPED_TRACE(c.lines.empty() ? "silence" : c.lines.back());
+    test::TPtyPort link;
+    auto& [pty, port] = link;
+    std::string all;
+    for (const std::string& line : c.lines) all += line;
+    test::TReceiver receiver(pty.Master(), {{20, all}});
+    TNmeaProtocol protocol({}, 300);
+    TProgress progress;
+    if (c.cancel) progress.Cancel();
+    std::string result;
+    TErrorSink errors;
+    EXPECT_EQ(protocol.Detect(*port, result, errors, &progress, c.skip), c.found);
+    EXPECT_EQ(result, c.found ? "NMEA" : "");
+    EXPECT_EQ(errors.Records().empty() ? "" : errors.Records().back().message, c.error);
   }
-  EXPECT_THROW(fileReader.ReadLine(*replay, line, errors), TXErrorRScom);
-  EXPECT_EQ(fileReader.Buffer(), "$GPGGA,1016");
+}
+
+TEST(CommCommands, AutodetectKeepsTheProtocolFound) {
+  test::TPtyPort link;
+  auto& [pty, port] = link;
+  test::TReceiver receiver(pty.Master(), {{20, Nmea("GPGSV,1,1,01,03,03,111,00")}});
+  std::vector<std::unique_ptr<TGpsProtocol>> protocols;
+  protocols.push_back(std::make_unique<TNmeaProtocol>(TNmeaReceiverSettings{}, 300));
+  TAutoDetectProtocol protocol(std::move(protocols));
+  EXPECT_EQ(std::pair(protocol.LongName(), protocol.ShortName()), std::pair(std::string_view("Auto-Detect"), std::string_view("Auto")));
+  TProgress cancelled;
+  cancelled.Cancel();
+  std::string none;
+  TErrorSink quiet;
+  EXPECT_FALSE(protocol.Detect(*port, none, quiet, &cancelled, false));
+  EXPECT_EQ(protocol.LastDetected(), -1);
+  TConfig config;
+  config.Last_Autodetect_Protocol = 7;
+  std::string result;
+  TErrorSink errors;
+  TThreadComm thread;
+  ASSERT_TRUE(thread.Start(std::string(kCommandAutodetect),
+                           AutodetectGpsCommand(*port, protocol, config, result, errors)));
+  EXPECT_TRUE(thread.Wait());
+  EXPECT_EQ(config.Last_Autodetect_Protocol, 0);
+}
+
+TEST(CommCommands, TestMovingMapSendsEveryPointAndEndsOnAClosedPort) {
+  TTrack track;
+  for (int i = 0; i < 3; ++i)
+    track.Anyade_Punto_Temps(48.1 + i * 0.001, 11.5, 500, TDateTime::FromCalendar(2024, 6, 5, 10, 0, i));
+  TNmeaTestOutputOptions options;
+  options.pause = std::chrono::milliseconds(10);
+  test::TPtyPair pty;
+  const auto port = OpenSerialPort(pty.SlaveName(), 4800);
+  TThreadComm thread;
+  ASSERT_TRUE(thread.Start(std::string(kCommandTestMovingMap),
+                           TestMovingMapCommand(*port, {&track}, options)));
+  EXPECT_TRUE(thread.Wait());
+  std::string expected;
+  for (const TrkPnt& point : track.Points())
+    expected += BuildNmeaSentence("GPGGA", point, 4) + BuildNmeaSentence("GPRMC", point, 4);
+  EXPECT_EQ(test::ReadFrom(pty.Master(), 200), expected);
+  pty.CloseMaster();  // the receiver's end goes away
+  pty.CloseOwnSlave();
+  ASSERT_TRUE(thread.Start(std::string(kCommandTestMovingMap),
+                           TestMovingMapCommand(*port, {&track}, options)));
+  EXPECT_FALSE(thread.Wait());
+  EXPECT_TRUE(thread.ErrorText().starts_with("TXErrorRScom error: Error, en la transmision!"));
+}
+
+// Failures end the command and are logged with their kind; one command at
+// a time, and a cancel is seen between steps.
+TEST(ThreadComm, FailuresCancelAndOneCommandAtATime) {
+  const std::tuple<std::function<bool(TProgress&)>, TLogKind, std::string> cases[] = {
+      {[](TProgress&) -> bool { throw TXErrorRScom(kSerialPortClosed, "COM3"); },
+       TLogKind::CommError, "TXErrorRScom error: Error, puerto cerrado! COM3"},
+      {[](TProgress&) -> bool { throw std::runtime_error("bad packet"); }, TLogKind::Error,
+       "Error Exception en TThreadComm::Run () bad packet"},
+      {[](TProgress&) -> bool { throw 7; }, TLogKind::Error, "Error indeterminado 2 (...) "},
+  };
+  TThreadComm thread;
+  for (const auto& [command, kind, text] : cases) {
+    TLog::Instance().ClearEntries();
+    ASSERT_TRUE(thread.Start("x", command));
+    EXPECT_FALSE(thread.Wait());
+    EXPECT_EQ(thread.ErrorText(), text);
+    ASSERT_EQ(TLog::Instance().Entries().size(), 1u);
+    EXPECT_EQ(std::pair(TLog::Instance().Entries()[0].kind, TLog::Instance().Entries()[0].text), std::pair(kind, text));
+  }
+  std::atomic<bool> started{false};
+  ASSERT_TRUE(thread.Start("long", [&](TProgress& progress) {
+    started = true;
+    progress.SetTotal(1000000);
+    while (progress.Step()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return !progress.Cancelled();
+  }));
+  while (!started) std::this_thread::yield();
+  EXPECT_TRUE(thread.Running());
+  EXPECT_FALSE(thread.Start("another", [](TProgress&) { return true; }));
+  thread.Cancel();
+  EXPECT_FALSE(thread.Wait());
+  EXPECT_FALSE(thread.Running());
+  ASSERT_TRUE(thread.Start("again", [](TProgress& progress) { return progress.Step(); }));
+  EXPECT_TRUE(thread.Wait());  // starts afresh, not cancelled
+  EXPECT_EQ(thread.ErrorText(), "");
 }
 
 // Uses up the program's allowance of silence entries, so it stays last.

@@ -1,7 +1,5 @@
-// What the comm tests (and the receiver command tests) share: sentences with
-// their checksums, a fixed "today", the lines of a capture, and stand-ins for
-// the other end of a link: a pseudo-terminal whose master side plays the
-// receiver, a thread that sends bytes on a schedule, a loopback TCP listener.
+// Shared by the comm and receiver command tests: sentences, a fixed "today",
+// capture lines, and the far end of a link (pseudo-terminal, TCP listener).
 #pragma once
 
 #include <arpa/inet.h>
@@ -29,8 +27,7 @@
 
 namespace velantis::test {
 
-// "$" body "*" checksum CR LF, the checksum written out here (the plain NMEA
-// definition) so that inputs do not depend on the code under test.
+// "$" body "*" checksum CR LF, summed here, independently of the code under test.
 inline std::string Nmea(std::string_view body) {
   unsigned char sum = 0;
   for (const char c : body) sum ^= static_cast<unsigned char>(c);
