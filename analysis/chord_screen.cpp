@@ -16,6 +16,21 @@ constexpr double kChordAbsoluteMargin = 1e-18;
 constexpr double kBallRelativeMargin = 1e-9;
 constexpr double kBallAbsoluteMargin = 1e-15;
 
+// Half chords up to this use the series bound below; longer ones (legs over
+// about 3300 km) the arc sine itself.
+constexpr double kSeriesHalfChordLimit = 0.5;
+constexpr double kAsinRelativeMargin = 1e-12;
+constexpr double kDistanceAbsoluteMarginM = 1e-6;
+
+// asin x = x + x^3 / 6 + (3/40) x^5 + ..., every further coefficient below
+// 3/40, so the tail from x^5 on is at most (3/40) x^5 / (1 - x^2), which is
+// at most x^5 / 10 while x < 1/2.
+double AsinAbove(double x) {
+  if (x >= kSeriesHalfChordLimit) return std::asin(std::min(1.0, x)) * (1.0 + kAsinRelativeMargin);
+  const double x2 = x * x;
+  return (x + x * x2 * (1.0 / 6.0 + 0.1 * x2)) * (1.0 + kAsinRelativeMargin);
+}
+
 double ExactChordSquared(double distanceM) {
   const double halfChord = std::sin(distanceM / (2.0 * kFaiSphereRadiusM));
   return 4.0 * halfChord * halfChord;
@@ -43,14 +58,24 @@ TChordBall BallOf(std::span<const TUnitVector> vectors) {
 }
 
 TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point) {
-  const double toCentre = std::sqrt(ChordSquared(ball.centre, point));
-  const double nearest = std::max(0.0, toCentre * (1.0 - kBallRelativeMargin) - ball.radius);
-  const double farthest = toCentre * (1.0 + kBallRelativeMargin) + ball.radius;
+  return ChordRange(ball, TChordBall{point, 0.0});
+}
+
+TChordRange ChordRange(const TChordBall& ball, const TChordBall& other) {
+  const double toCentre = std::sqrt(ChordSquared(ball.centre, other.centre));
+  const double radii = ball.radius + other.radius;
+  const double nearest = std::max(0.0, toCentre * (1.0 - kBallRelativeMargin) - radii);
+  const double farthest = toCentre * (1.0 + kBallRelativeMargin) + radii;
   return {nearest * nearest, farthest * farthest};
 }
 
 double ChordAbove(double distanceM) {
   return ExactChordSquared(distanceM) * (1.0 + kChordRelativeMargin) + kChordAbsoluteMargin;
+}
+
+double DistanceAbove(double chordSquared) {
+  const double halfChord = 0.5 * std::sqrt(chordSquared * (1.0 + kChordRelativeMargin) + kChordAbsoluteMargin);
+  return 2.0 * kFaiSphereRadiusM * AsinAbove(halfChord) + kDistanceAbsoluteMarginM;
 }
 
 double ChordBelow(double distanceM) {

@@ -38,6 +38,11 @@ inline double ChordSquared(const TUnitVector& a, const TUnitVector& b) {
 double ChordAbove(double distanceM);
 // A squared chord less than this proves the distance is less than distanceM.
 double ChordBelow(double distanceM);
+// Metres that no pair of this squared chord exceeds by the cache's distance:
+// a cheap upper bound (a square root and a short series instead of the arc
+// sine) for pruning searches; above the true distance by at most about 1e-6
+// relative for legs up to a few hundred kilometres.
+double DistanceAbove(double chordSquared);
 
 // A ball around a run of unit vectors (consecutive track points lie close
 // together): by the triangle inequality every squared chord from a point to
@@ -57,5 +62,7 @@ struct TChordRange {
 TChordBall BallOf(std::span<const TUnitVector> vectors);
 // Squared chords from the point to anything in the ball lie within this.
 TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point);
+// Squared chords from anything in one ball to anything in the other.
+TChordRange ChordRange(const TChordBall& ball, const TChordBall& other);
 
 }  // namespace velantis

@@ -1,5 +1,7 @@
 #include "analysis/leg_distance_table.h"
 
+#include <algorithm>
+
 namespace velantis {
 
 namespace {
@@ -10,20 +12,63 @@ size_t GridCount(const TIndexWindow& window, int gridStep) {
 
 }  // namespace
 
+TWindowVectors::TWindowVectors(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep) {
+  m_vectors.resize(GridCount(window, gridStep));
+  for (size_t i = 0; i < m_vectors.size(); ++i)
+    m_vectors[i] = UnitVectorOf(cache.Record(static_cast<size_t>(window.low) + i * static_cast<size_t>(gridStep)));
+}
+
+// The squared chords of every valid pair are taken at once (a few
+// multiply-adds each, vectorised); they give the row bounds and, converted a
+// row at a time when a row is first asked for, the per-pair bounds.
 TLegDistanceTable::TLegDistanceTable(const TFlightPointCache& cache, const TIndexWindow& rows,
-                                     const TIndexWindow& columns, int gridStep, TLegOrder order)
-    : m_rowLow(rows.low), m_columnLow(columns.low), m_gridStep(gridStep), m_columns(GridCount(columns, gridStep)) {
+                                     const TIndexWindow& columns, const TWindowVectors& rowVectors,
+                                     const TWindowVectors& columnVectors, int gridStep, TLegOrder order)
+    : m_cache(cache),
+      m_rowVectors(rowVectors),
+      m_columnVectors(columnVectors),
+      m_rowLow(rows.low),
+      m_columnLow(columns.low),
+      m_gridStep(gridStep),
+      m_order(order),
+      m_columns(GridCount(columns, gridStep)) {
   const size_t rowCount = GridCount(rows, gridStep);
-  m_values.assign(rowCount * m_columns, 0.0);
+  m_values.assign(rowCount * m_columns, -1.0);
+  m_bounds.assign(rowCount * m_columns, 0.0);
+  m_boundRows.assign(rowCount, 0);
+  m_rowBounds.assign(rowCount, 0.0);
   for (size_t i = 0; i < rowCount; ++i) {
     const int r = rows.low + static_cast<int>(i) * gridStep;
-    for (size_t j = 0; j < m_columns; ++j) {
-      const int c = columns.low + static_cast<int>(j) * gridStep;
-      if (c <= r) continue;
-      const auto [from, to] = order == TLegOrder::RowToColumn ? std::pair{r, c} : std::pair{c, r};
-      m_values[i * m_columns + j] = cache.Distance(static_cast<size_t>(from), static_cast<size_t>(to));
+    // The first column whose index lies above r.
+    const int above = r + 1 - columns.low;
+    const size_t first = above <= 0 ? 0 : std::min(m_columns, static_cast<size_t>((above + gridStep - 1) / gridStep));
+    const TUnitVector from = rowVectors.At(i);
+    double* chords = m_bounds.data() + i * m_columns;
+    double largest = -1;
+    for (size_t j = first; j < m_columns; ++j) {
+      const double chord = ChordSquared(from, columnVectors.At(j));
+      chords[j] = chord;
+      largest = std::max(largest, chord);
     }
+    m_rowBounds[i] = largest < 0 ? 0.0 : DistanceAbove(largest);
   }
+}
+
+const double* TLegDistanceTable::Bounds(int row) {
+  const auto i = static_cast<size_t>(row);
+  double* bounds = m_bounds.data() + i * m_columns;
+  if (!m_boundRows[i]) {
+    for (size_t j = 0; j < m_columns; ++j) bounds[j] = DistanceAbove(bounds[j]);
+    m_boundRows[i] = 1;
+  }
+  return bounds;
+}
+
+double TLegDistanceTable::Measure(int row, int column) const {
+  const int r = m_rowLow + row * m_gridStep;
+  const int c = m_columnLow + column * m_gridStep;
+  const auto [from, to] = m_order == TLegOrder::RowToColumn ? std::pair{r, c} : std::pair{c, r};
+  return m_cache.Distance(static_cast<size_t>(from), static_cast<size_t>(to));
 }
 
 int LegGridStep(const TSearchWindows& windows, int turnpoints, int stride) {
