@@ -25,10 +25,18 @@ constexpr double kDistanceAbsoluteMarginM = 1e-6;
 // asin x = x + x^3 / 6 + (3/40) x^5 + ..., every further coefficient below
 // 3/40, so the tail from x^5 on is at most (3/40) x^5 / (1 - x^2), which is
 // at most x^5 / 10 while x < 1/2.
-double AsinAbove(double x) {
-  if (x >= kSeriesHalfChordLimit) return std::asin(std::min(1.0, x)) * (1.0 + kAsinRelativeMargin);
+double AsinSeriesAbove(double x) {
   const double x2 = x * x;
   return (x + x * x2 * (1.0 / 6.0 + 0.1 * x2)) * (1.0 + kAsinRelativeMargin);
+}
+
+double AsinAbove(double x) {
+  if (x >= kSeriesHalfChordLimit) return std::asin(std::min(1.0, x)) * (1.0 + kAsinRelativeMargin);
+  return AsinSeriesAbove(x);
+}
+
+double HalfChordAbove(double chordSquared) {
+  return 0.5 * std::sqrt(chordSquared * (1.0 + kChordRelativeMargin) + kChordAbsoluteMargin);
 }
 
 double ExactChordSquared(double distanceM) {
@@ -74,8 +82,18 @@ double ChordAbove(double distanceM) {
 }
 
 double DistanceAbove(double chordSquared) {
-  const double halfChord = 0.5 * std::sqrt(chordSquared * (1.0 + kChordRelativeMargin) + kChordAbsoluteMargin);
-  return 2.0 * kFaiSphereRadiusM * AsinAbove(halfChord) + kDistanceAbsoluteMarginM;
+  return 2.0 * kFaiSphereRadiusM * AsinAbove(HalfChordAbove(chordSquared)) + kDistanceAbsoluteMarginM;
+}
+
+void DistancesAbove(std::span<double> chordsSquared) {
+  double largest = 0;
+  for (const double chord : chordsSquared) largest = std::max(largest, chord);
+  if (HalfChordAbove(largest) >= kSeriesHalfChordLimit) {
+    for (double& chord : chordsSquared) chord = DistanceAbove(chord);
+    return;
+  }
+  for (double& chord : chordsSquared)
+    chord = 2.0 * kFaiSphereRadiusM * AsinSeriesAbove(HalfChordAbove(chord)) + kDistanceAbsoluteMarginM;
 }
 
 double ChordBelow(double distanceM) {

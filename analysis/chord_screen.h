@@ -43,6 +43,9 @@ double ChordBelow(double distanceM);
 // sine) for pruning searches; above the true distance by at most about 1e-6
 // relative for legs up to a few hundred kilometres.
 double DistanceAbove(double chordSquared);
+// DistanceAbove of each squared chord, in place (vectorised while every
+// chord is below the series' limit).
+void DistancesAbove(std::span<double> chordsSquared);
 
 // A ball around a run of unit vectors (consecutive track points lie close
 // together): by the triangle inequality every squared chord from a point to

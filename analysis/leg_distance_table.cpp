@@ -12,10 +12,18 @@ size_t GridCount(const TIndexWindow& window, int gridStep) {
 
 }  // namespace
 
-TWindowVectors::TWindowVectors(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep) {
-  m_vectors.resize(GridCount(window, gridStep));
-  for (size_t i = 0; i < m_vectors.size(); ++i)
-    m_vectors[i] = UnitVectorOf(cache.Record(static_cast<size_t>(window.low) + i * static_cast<size_t>(gridStep)));
+void TWindowVectors::Load(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep) {
+  const size_t count = GridCount(window, gridStep);
+  x.resize(count);
+  y.resize(count);
+  z.resize(count);
+  for (size_t i = 0; i < count; ++i) {
+    const TUnitVector v =
+        UnitVectorOf(cache.Record(static_cast<size_t>(window.low) + i * static_cast<size_t>(gridStep)));
+    x[i] = v.x;
+    y[i] = v.y;
+    z[i] = v.z;
+  }
 }
 
 // The squared chords of every valid pair are taken at once (a few
@@ -23,43 +31,46 @@ TWindowVectors::TWindowVectors(const TFlightPointCache& cache, const TIndexWindo
 // row at a time when a row is first asked for, the per-pair bounds.
 TLegDistanceTable::TLegDistanceTable(const TFlightPointCache& cache, const TIndexWindow& rows,
                                      const TIndexWindow& columns, const TWindowVectors& rowVectors,
-                                     const TWindowVectors& columnVectors, int gridStep, TLegOrder order)
+                                     const TWindowVectors& columnVectors, int gridStep, TLegOrder order,
+                                     TLegTableStorage& storage)
     : m_cache(cache),
-      m_rowVectors(rowVectors),
-      m_columnVectors(columnVectors),
       m_rowLow(rows.low),
       m_columnLow(columns.low),
       m_gridStep(gridStep),
       m_order(order),
-      m_columns(GridCount(columns, gridStep)) {
+      m_columns(GridCount(columns, gridStep)),
+      m_storage(storage) {
   const size_t rowCount = GridCount(rows, gridStep);
-  m_values.assign(rowCount * m_columns, -1.0);
-  m_bounds.assign(rowCount * m_columns, 0.0);
-  m_boundRows.assign(rowCount, 0);
-  m_rowBounds.assign(rowCount, 0.0);
+  storage.values.assign(rowCount * m_columns, -1.0);
+  storage.bounds.resize(rowCount * m_columns);
+  storage.boundRows.assign(rowCount, 0);
+  storage.rowBounds.assign(rowCount, 0.0);
+  const double* cx = columnVectors.x.data();
+  const double* cy = columnVectors.y.data();
+  const double* cz = columnVectors.z.data();
   for (size_t i = 0; i < rowCount; ++i) {
     const int r = rows.low + static_cast<int>(i) * gridStep;
     // The first column whose index lies above r.
     const int above = r + 1 - columns.low;
     const size_t first = above <= 0 ? 0 : std::min(m_columns, static_cast<size_t>((above + gridStep - 1) / gridStep));
-    const TUnitVector from = rowVectors.At(i);
-    double* chords = m_bounds.data() + i * m_columns;
+    const double x = rowVectors.x[i], y = rowVectors.y[i], z = rowVectors.z[i];
+    double* chords = storage.bounds.data() + i * m_columns;
     double largest = -1;
-    for (size_t j = first; j < m_columns; ++j) {
-      const double chord = ChordSquared(from, columnVectors.At(j));
-      chords[j] = chord;
-      largest = std::max(largest, chord);
+    for (size_t j = 0; j < m_columns; ++j) {
+      const double dx = x - cx[j], dy = y - cy[j], dz = z - cz[j];
+      chords[j] = dx * dx + dy * dy + dz * dz;
     }
-    m_rowBounds[i] = largest < 0 ? 0.0 : DistanceAbove(largest);
+    for (size_t j = first; j < m_columns; ++j) largest = std::max(largest, chords[j]);
+    storage.rowBounds[i] = largest < 0 ? 0.0 : DistanceAbove(largest);
   }
 }
 
 const double* TLegDistanceTable::Bounds(int row) {
   const auto i = static_cast<size_t>(row);
-  double* bounds = m_bounds.data() + i * m_columns;
-  if (!m_boundRows[i]) {
-    for (size_t j = 0; j < m_columns; ++j) bounds[j] = DistanceAbove(bounds[j]);
-    m_boundRows[i] = 1;
+  double* bounds = m_storage.bounds.data() + i * m_columns;
+  if (!m_storage.boundRows[i]) {
+    DistancesAbove(std::span(bounds, m_columns));
+    m_storage.boundRows[i] = 1;
   }
   return bounds;
 }

@@ -38,37 +38,43 @@ namespace velantis {
 enum class TLegOrder { RowToColumn, ColumnToRow };
 
 // The unit vectors of one window's grid points, shared by the tables of a
-// pass.
-class TWindowVectors {
-public:
-  TWindowVectors() = default;
-  TWindowVectors(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep);
+// pass, one array per coordinate so that rows of squared chords vectorise.
+struct TWindowVectors {
+  std::vector<double> x, y, z;
 
-  const TUnitVector& At(size_t position) const { return m_vectors[position]; }
-  size_t Count() const { return m_vectors.size(); }
+  void Load(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep);
+  size_t Count() const { return x.size(); }
+};
 
-private:
-  std::vector<TUnitVector> m_vectors;
+// The storage of one table, kept from pass to pass (see TLegDistanceTable).
+struct TLegTableStorage {
+  std::vector<double> values;
+  std::vector<double> bounds;
+  std::vector<char> boundRows;
+  std::vector<double> rowBounds;
 };
 
 class TLegDistanceTable {
 public:
-  // rowSlot < columnSlot; gridStep is stride or 1 (see above).
+  // rowSlot < columnSlot; gridStep is stride or 1 (see above). The table
+  // lives in storage, whose earlier contents it replaces; reusing one
+  // storage for every pass spares allocating (and the system zeroing) a
+  // fresh matrix each time.
   TLegDistanceTable(const TFlightPointCache& cache, const TIndexWindow& rows, const TIndexWindow& columns,
                     const TWindowVectors& rowVectors, const TWindowVectors& columnVectors, int gridStep,
-                    TLegOrder order);
+                    TLegOrder order, TLegTableStorage& storage);
 
   // Grid positions of a row index and of a column index.
   int Row(int r) const { return Position(r, m_rowLow); }
   int Column(int c) const { return Position(c, m_columnLow); }
 
   // No valid distance of the row exceeds this (0 for a row with none).
-  double RowBound(int row) const { return m_rowBounds[static_cast<size_t>(row)]; }
+  double RowBound(int row) const { return m_storage.rowBounds[static_cast<size_t>(row)]; }
   // Per-pair bounds of the row, to be read at Column(c) for c > r.
   const double* Bounds(int row);
   // The distance of the pair, measured on first use.
   double Distance(int row, int column) {
-    double& value = m_values[Cell(row, column)];
+    double& value = m_storage.values[Cell(row, column)];
     if (value < 0) value = Measure(row, column);
     return value;
   }
@@ -81,19 +87,14 @@ private:
   double Measure(int row, int column) const;
 
   const TFlightPointCache& m_cache;
-  const TWindowVectors& m_rowVectors;
-  const TWindowVectors& m_columnVectors;
   int m_rowLow;
   int m_columnLow;
   int m_gridStep;
   TLegOrder m_order;
   size_t m_columns;
-  // -1 until measured.
-  std::vector<double> m_values;
-  // Per-pair bounds, filled a row at a time (m_boundRows marks the rows done).
-  std::vector<double> m_bounds;
-  std::vector<char> m_boundRows;
-  std::vector<double> m_rowBounds;
+  // values: -1 until measured. bounds: the squared chords, turned into
+  // per-pair bounds a row at a time (boundRows marks the rows done).
+  TLegTableStorage& m_storage;
 };
 
 // The grid step of a pass: the stride when all windows' low ends share its

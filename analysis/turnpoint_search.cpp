@@ -21,6 +21,12 @@ namespace {
 // candidate below the best is never taken, whatever the shape's rule says),
 // and the level is passed over. Equal bounds still run, as equal scores
 // replace. The progress steps of the outermost loop are made as before.
+// What a pass keeps in memory: the window vectors and up to four leg tables.
+struct TSearchStorage {
+  std::array<TWindowVectors, kMaxTurnpoints> vectors;
+  std::array<TLegTableStorage, kMaxTurnpoints> tables;
+};
+
 struct TSearchRun {
   const TFlightPointCache& cache;
   const TSearchWindows& windows;
@@ -28,7 +34,7 @@ struct TSearchRun {
   TProgress* progress;
   TSearchBest& best;
   int gridStep;
-  std::array<TWindowVectors, kMaxTurnpoints> vectors;
+  TSearchStorage& storage;
 
   // The first value of turnpoint slot after the previous turnpoint's index.
   int First(size_t slot, int previous) const { return std::max(previous + stride, windows[slot].low); }
@@ -36,9 +42,11 @@ struct TSearchRun {
   bool Empty(size_t slot, int previous) const { return First(slot, previous) > Last(slot); }
   // Table columns advanced per stride.
   int ColumnStep() const { return stride / gridStep; }
-  // The leg from slot `from` to the later slot `to`, or back from it.
-  TLegDistanceTable Leg(size_t from, size_t to, TLegOrder order) const {
-    return TLegDistanceTable(cache, windows[from], windows[to], vectors[from], vectors[to], gridStep, order);
+  // The leg from slot `from` to the later slot `to`, or back from it, in
+  // table storage `table` (one per leg of the pass).
+  TLegDistanceTable Leg(size_t from, size_t to, TLegOrder order, size_t table) const {
+    return TLegDistanceTable(cache, windows[from], windows[to], storage.vectors[from], storage.vectors[to], gridStep,
+                             order, storage.tables[table]);
   }
   bool Below(double bound) const { return bound < best.score; }
 
@@ -62,7 +70,7 @@ std::vector<double> LaterRowBounds(const TLegDistanceTable& table, const TIndexW
 }
 
 bool SearchTwo(TSearchRun& run) {
-  TLegDistanceTable d12 = run.Leg(0, 1, TLegOrder::RowToColumn);
+  TLegDistanceTable d12 = run.Leg(0, 1, TLegOrder::RowToColumn, 0);
   for (int p1 = run.windows[0].low; p1 <= run.Last(0); p1 += run.stride) {
     if (!ProgressStep(run.progress, run.stride)) return false;
     const int r1 = d12.Row(p1);
@@ -93,11 +101,14 @@ double TriangleBound(double leg1, double leg2, double leg3) {
   return sum;
 }
 
+// Columns of the innermost loop screened together.
+constexpr int kBlockColumns = 8;
+
 template <bool kFai>
 bool SearchThree(TSearchRun& run) {
-  TLegDistanceTable d12 = run.Leg(0, 1, TLegOrder::RowToColumn);
-  TLegDistanceTable d23 = run.Leg(1, 2, TLegOrder::RowToColumn);
-  TLegDistanceTable d31 = run.Leg(0, 2, TLegOrder::ColumnToRow);
+  TLegDistanceTable d12 = run.Leg(0, 1, TLegOrder::RowToColumn, 0);
+  TLegDistanceTable d23 = run.Leg(1, 2, TLegOrder::RowToColumn, 1);
+  TLegDistanceTable d31 = run.Leg(0, 2, TLegOrder::ColumnToRow, 2);
   const std::vector<double> later23 = LaterRowBounds(d23, run.windows[1], run.gridStep);
   for (int p1 = run.windows[0].low; p1 <= run.Last(0); p1 += run.stride) {
     if (!ProgressStep(run.progress, run.stride)) return false;
@@ -119,14 +130,28 @@ bool SearchThree(TSearchRun& run) {
       const double* bound23 = d23.Bounds(r2);
       if (bound31 == nullptr) bound31 = d31.Bounds(r1);
       int c3 = d23.Column(run.First(2, p2));
-      for (int p3 = run.First(2, p2); p3 <= run.Last(2); p3 += run.stride, c3 += run.ColumnStep()) {
-        if (run.Below(TriangleBound<kFai>(leg1, bound23[c3], bound31[c3]))) continue;
-        const double leg2 = d23.Distance(r2, c3);
-        const double leg3 = d31.Distance(r1, c3);
-        double score = leg1 + leg2 + leg3;
-        if (score < run.best.score) continue;
-        if (kFai && !PassesFaiLegRule(leg1, leg2, leg3, score)) score = 0;
-        if (score >= run.best.score) run.Take({p1, p2, p3, kNoPoint}, score);
+      for (int p3 = run.First(2, p2); p3 <= run.Last(2);) {
+        // Blocks of columns all below the best are passed over at once.
+        if (run.ColumnStep() == 1 && p3 + (kBlockColumns - 1) * run.stride <= run.Last(2)) {
+          bool reaches = false;
+          for (int k = 0; k < kBlockColumns; ++k)
+            reaches |= !run.Below(TriangleBound<kFai>(leg1, bound23[c3 + k], bound31[c3 + k]));
+          if (!reaches) {
+            p3 += kBlockColumns * run.stride;
+            c3 += kBlockColumns;
+            continue;
+          }
+        }
+        const int blockEnd = std::min(run.Last(2), p3 + (kBlockColumns - 1) * run.stride);
+        for (; p3 <= blockEnd; p3 += run.stride, c3 += run.ColumnStep()) {
+          if (run.Below(TriangleBound<kFai>(leg1, bound23[c3], bound31[c3]))) continue;
+          const double leg2 = d23.Distance(r2, c3);
+          const double leg3 = d31.Distance(r1, c3);
+          double score = leg1 + leg2 + leg3;
+          if (score < run.best.score) continue;
+          if (kFai && !PassesFaiLegRule(leg1, leg2, leg3, score)) score = 0;
+          if (score >= run.best.score) run.Take({p1, p2, p3, kNoPoint}, score);
+        }
       }
     }
   }
@@ -134,10 +159,10 @@ bool SearchThree(TSearchRun& run) {
 }
 
 bool SearchFour(TSearchRun& run) {
-  TLegDistanceTable d12 = run.Leg(0, 1, TLegOrder::RowToColumn);
-  TLegDistanceTable d23 = run.Leg(1, 2, TLegOrder::RowToColumn);
-  TLegDistanceTable d34 = run.Leg(2, 3, TLegOrder::RowToColumn);
-  TLegDistanceTable d41 = run.Leg(0, 3, TLegOrder::ColumnToRow);
+  TLegDistanceTable d12 = run.Leg(0, 1, TLegOrder::RowToColumn, 0);
+  TLegDistanceTable d23 = run.Leg(1, 2, TLegOrder::RowToColumn, 1);
+  TLegDistanceTable d34 = run.Leg(2, 3, TLegOrder::RowToColumn, 2);
+  TLegDistanceTable d41 = run.Leg(0, 3, TLegOrder::ColumnToRow, 3);
   const std::vector<double> later23 = LaterRowBounds(d23, run.windows[1], run.gridStep);
   const std::vector<double> later34 = LaterRowBounds(d34, run.windows[2], run.gridStep);
   const auto later = [](const std::vector<double>& bounds, int row) { return bounds[static_cast<size_t>(row)]; };
@@ -192,9 +217,13 @@ bool SearchTurnpoints(const TFlightPointCache& cache, const TOptimizationShape& 
                       int stride, TProgress* progress, TSearchBest& best) {
   const int step = std::max(1, stride);
   const int gridStep = LegGridStep(windows, shape.turnpoints, step);
-  TSearchRun run{cache, windows, step, progress, best, gridStep, {}};
+  // Kept per thread from search to search: the tables of a pass reach a few
+  // hundred kilobytes, which a fresh allocation would have the system map
+  // and zero again on every pass.
+  thread_local TSearchStorage storage;
+  TSearchRun run{cache, windows, step, progress, best, gridStep, storage};
   for (size_t slot = 0; slot < static_cast<size_t>(shape.turnpoints); ++slot)
-    run.vectors[slot] = TWindowVectors(cache, windows[slot], gridStep);
+    storage.vectors[slot].Load(cache, windows[slot], gridStep);
   switch (shape.turnpoints) {
     case 2:
       return SearchTwo(run);
