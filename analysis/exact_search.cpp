@@ -30,6 +30,7 @@ public:
         m_k(shape.turnpoints),
         m_boxes(cache),
         m_turnsDecidable(shape.turnpoints == 4 && TurnsDecidable(m_boxes)),
+        m_usesShortestLegs(ShapeUsesShortestLegs(shape)),
         m_progress(progress, kExactProgressUnits),
         m_count(static_cast<double>(cache.Count())) {}
 
@@ -50,6 +51,8 @@ private:
   const int m_k;
   const TIndexRangeBoxes m_boxes;
   const bool m_turnsDecidable;
+  // The bound reads the smallest legs only for the shapes with a leg rule.
+  const bool m_usesShortestLegs;
   TSpaceShareProgress m_progress;
   const double m_count;
   std::priority_queue<TRangeTuple> m_open;
@@ -93,7 +96,7 @@ double TExactSearch::Bound(const TRangeTuple& tuple) const {
     const int from = tuple.ranges[static_cast<size_t>(j)];
     const int to = tuple.ranges[static_cast<size_t>((j + 1) % m_k)];
     maxLegs[static_cast<size_t>(j)] = m_boxes.MaxDistance(from, to);
-    minLegs[static_cast<size_t>(j)] = m_boxes.MinDistance(from, to);
+    if (m_usesShortestLegs) minLegs[static_cast<size_t>(j)] = m_boxes.MinDistance(from, to);
   }
   const auto count = static_cast<size_t>(legs);
   return ShapeUpperBound(m_shape, std::span(maxLegs.data(), count), std::span(minLegs.data(), count));
