@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis/certain_turn.h"
+#include "analysis/chord_screen.h"
 #include "analysis/index_range_boxes.h"
 #include "analysis/shape_upper_bound.h"
 #include "analysis/space_share_progress.h"
@@ -42,6 +43,7 @@ private:
   bool CertainlyConcave(const TRangeTuple& tuple) const;
   double Share(const TRangeTuple& tuple) const;
   int WidestRange(const TRangeTuple& tuple) const;
+  double ScoreAbove(std::span<const int> indices) const;
   void TryCandidate(std::span<const int> indices);
   void TryMiddles(const TRangeTuple& tuple);
   void Branch(const TRangeTuple& tuple);
@@ -125,7 +127,25 @@ int TExactSearch::WidestRange(const TRangeTuple& tuple) const {
   return widest;
 }
 
+// No candidate's ShapeScore exceeds this: the sum of its legs' DistanceAbove
+// (added in ShapeScore's order), as a refused shape scores 0.
+double TExactSearch::ScoreAbove(std::span<const int> indices) const {
+  const auto leg = [&](size_t a, size_t b) {
+    const auto& p = m_boxes.Point(indices[a]);
+    const auto& q = m_boxes.Point(indices[b]);
+    const double dx = p[0] - q[0], dy = p[1] - q[1], dz = p[2] - q[2];
+    return DistanceAbove(dx * dx + dy * dy + dz * dz);
+  };
+  if (!m_shape.Closed()) return leg(0, 1);
+  double sum = 0;
+  for (size_t j = 0; j < static_cast<size_t>(m_k); ++j) sum += leg(j, (j + 1) % static_cast<size_t>(m_k));
+  return sum;
+}
+
 void TExactSearch::TryCandidate(std::span<const int> indices) {
+  // Most candidates tried fall short of the best; the cheap bound spares
+  // measuring them.
+  if (ScoreAbove(indices) <= m_bestScore) return;
   const double score = ShapeScore(m_cache, m_shape, indices);
   if (score <= m_bestScore) return;
   m_bestScore = score;

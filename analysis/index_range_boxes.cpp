@@ -17,18 +17,18 @@ double ChordToMetres(double chord) {
 TIndexRangeBoxes::TIndexRangeBoxes(const TFlightPointCache& cache) {
   const size_t count = cache.Count();
   if (count == 0) return;
-  std::vector<std::array<double, 3>> points(count);
+  m_points.resize(count);
   for (size_t i = 0; i < count; ++i) {
     const TFlightPointRecord& record = cache.Record(i);
-    points[i] = {record.cosLat * std::cos(record.lonRad), record.cosLat * std::sin(record.lonRad), record.sinLat};
+    m_points[i] = {record.cosLat * std::cos(record.lonRad), record.cosLat * std::sin(record.lonRad), record.sinLat};
   }
   m_nodes.reserve(2 * count);
-  Build(cache, points, 0, static_cast<int>(count) - 1);
+  Build(cache, 0, static_cast<int>(count) - 1);
 }
 
 // Pre-order, so the root is node 0; depth is log2(n), so recursion is safe.
-int TIndexRangeBoxes::Build(const TFlightPointCache& cache, const std::vector<std::array<double, 3>>& points,
-                            int first, int last) {
+int TIndexRangeBoxes::Build(const TFlightPointCache& cache, int first, int last) {
+  const std::vector<std::array<double, 3>>& points = m_points;
   const int id = static_cast<int>(m_nodes.size());
   const TFlightPointRecord& record = cache.Record(static_cast<size_t>(first));
   m_nodes.push_back({first, last, kNoChild, kNoChild, points[static_cast<size_t>(first)],
@@ -36,8 +36,8 @@ int TIndexRangeBoxes::Build(const TFlightPointCache& cache, const std::vector<st
                      {record.latRad, record.latRad, record.lonRad, record.lonRad, record.cosLat, record.cosLat}});
   if (first == last) return id;
   const int middle = first + (last - first) / 2;
-  const int left = Build(cache, points, first, middle);
-  const int right = Build(cache, points, middle + 1, last);
+  const int left = Build(cache, first, middle);
+  const int right = Build(cache, middle + 1, last);
   TNode& node = m_nodes[static_cast<size_t>(id)];
   const TNode& l = m_nodes[static_cast<size_t>(left)];
   const TNode& r = m_nodes[static_cast<size_t>(right)];

@@ -55,6 +55,8 @@ public:
   bool IsLeaf(int node) const { return Left(node) == kNoChild; }
 
   const TPlaneRanges& Plane(int node) const { return m_nodes[static_cast<size_t>(node)].plane; }
+  // The unit vector of point `index` (as UnitVectorOf gives it).
+  const std::array<double, 3>& Point(int index) const { return m_points[static_cast<size_t>(index)]; }
 
   // Square of the box's diagonal (unit-sphere chords): the search splits the
   // widest range first.
@@ -76,8 +78,9 @@ private:
     TPlaneRanges plane;
   };
 
-  int Build(const TFlightPointCache& cache, const std::vector<std::array<double, 3>>& points, int first, int last);
+  int Build(const TFlightPointCache& cache, int first, int last);
 
+  std::vector<std::array<double, 3>> m_points;
   std::vector<TNode> m_nodes;
 };
 
