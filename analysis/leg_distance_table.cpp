@@ -1,6 +1,7 @@
 #include "analysis/leg_distance_table.h"
 
 #include <algorithm>
+#include <array>
 
 namespace velantis {
 
@@ -55,13 +56,18 @@ TLegDistanceTable::TLegDistanceTable(const TFlightPointCache& cache, const TInde
     const size_t first = above <= 0 ? 0 : std::min(m_columns, static_cast<size_t>((above + gridStep - 1) / gridStep));
     const double x = rowVectors.x[i], y = rowVectors.y[i], z = rowVectors.z[i];
     double* chords = storage.bounds.data() + i * m_columns;
-    double largest = -1;
     for (size_t j = 0; j < m_columns; ++j) {
       const double dx = x - cx[j], dy = y - cy[j], dz = z - cz[j];
       chords[j] = dx * dx + dy * dy + dz * dz;
     }
-    for (size_t j = first; j < m_columns; ++j) largest = std::max(largest, chords[j]);
-    storage.rowBounds[i] = largest < 0 ? 0.0 : DistanceAbove(largest);
+    // Four running maxima, so that the loop vectorises.
+    std::array<double, 4> largest{-1.0, -1.0, -1.0, -1.0};
+    size_t j = first;
+    for (; j + 4 <= m_columns; j += 4)
+      for (size_t k = 0; k < 4; ++k) largest[k] = chords[j + k] > largest[k] ? chords[j + k] : largest[k];
+    for (; j < m_columns; ++j) largest[0] = std::max(largest[0], chords[j]);
+    const double rowLargest = std::max({largest[0], largest[1], largest[2], largest[3]});
+    storage.rowBounds[i] = rowLargest < 0 ? 0.0 : DistanceAbove(rowLargest);
   }
 }
 

@@ -21,6 +21,7 @@ namespace {
 // candidate below the best is never taken, whatever the shape's rule says),
 // and the level is passed over. Equal bounds still run, as equal scores
 // replace. The progress steps of the outermost loop are made as before.
+
 // What a pass keeps in memory: the window vectors and up to four leg tables.
 struct TSearchStorage {
   std::array<TWindowVectors, kMaxTurnpoints> vectors;
@@ -90,7 +91,8 @@ bool SearchTwo(TSearchRun& run) {
 // the rule, so its score is at most any of its legs / kFaiMinLegShare (the
 // rule compares each leg with kFaiMinLegShare x score; the margin covers
 // that product's rounding). While the best is still 0 no bound is below it.
-constexpr double kFaiScorePerLeg = (1.0 / kFaiMinLegShare) * (1.0 + 1e-9);
+constexpr double kFaiShareRoundingMargin = 1e-9;
+constexpr double kFaiScorePerLeg = (1.0 / kFaiMinLegShare) * (1.0 + kFaiShareRoundingMargin);
 
 // The bound of a triangle from bounds of its legs, in the order the score
 // adds them.
