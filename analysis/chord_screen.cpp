@@ -11,9 +11,7 @@ namespace {
 // absolute for metre-long chords), far below any gap that matters.
 constexpr double kChordRelativeMargin = 1e-6;
 constexpr double kChordAbsoluteMargin = 1e-18;
-// The ball's radius and the distance to its centre are rounded sums of
-// squares under a square root: widen them by far more than that rounding.
-constexpr double kBallRelativeMargin = 1e-9;
+// Absolute widening of a ball's radius, beside kBallRelativeMargin.
 constexpr double kBallAbsoluteMargin = 1e-15;
 
 // Half chords up to this use the series bound below; longer ones (legs over
@@ -63,18 +61,6 @@ TChordBall BallOf(std::span<const TUnitVector> vectors) {
   for (const TUnitVector& v : vectors) farthest = std::max(farthest, ChordSquared(ball.centre, v));
   ball.radius = std::sqrt(farthest) * (1.0 + kBallRelativeMargin) + kBallAbsoluteMargin;
   return ball;
-}
-
-TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point) {
-  return ChordRange(ball, TChordBall{point, 0.0});
-}
-
-TChordRange ChordRange(const TChordBall& ball, const TChordBall& other) {
-  const double toCentre = std::sqrt(ChordSquared(ball.centre, other.centre));
-  const double radii = ball.radius + other.radius;
-  const double nearest = std::max(0.0, toCentre * (1.0 - kBallRelativeMargin) - radii);
-  const double farthest = toCentre * (1.0 + kBallRelativeMargin) + radii;
-  return {nearest * nearest, farthest * farthest};
 }
 
 double ChordAbove(double distanceM) {

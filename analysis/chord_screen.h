@@ -11,6 +11,8 @@
 // distance lies beyond the threshold.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <span>
 
 #include "analysis/flight_point_cache.h"
@@ -63,9 +65,22 @@ struct TChordRange {
 // The ball around the vectors (not empty), its radius widened against
 // rounding.
 TChordBall BallOf(std::span<const TUnitVector> vectors);
-// Squared chords from the point to anything in the ball lie within this.
-TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point);
+// The ball's radius and the distance to its centre are rounded sums of
+// squares under a square root: they are widened by far more than that
+// rounding.
+inline constexpr double kBallRelativeMargin = 1e-9;
+
 // Squared chords from anything in one ball to anything in the other.
-TChordRange ChordRange(const TChordBall& ball, const TChordBall& other);
+inline TChordRange ChordRange(const TChordBall& ball, const TChordBall& other) {
+  const double toCentre = std::sqrt(ChordSquared(ball.centre, other.centre));
+  const double radii = ball.radius + other.radius;
+  const double nearest = std::max(0.0, toCentre * (1.0 - kBallRelativeMargin) - radii);
+  const double farthest = toCentre * (1.0 + kBallRelativeMargin) + radii;
+  return {nearest * nearest, farthest * farthest};
+}
+// Squared chords from the point to anything in the ball lie within this.
+inline TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point) {
+  return ChordRange(ball, TChordBall{point, 0.0});
+}
 
 }  // namespace velantis
