@@ -29,7 +29,7 @@ public:
       : m_cache(cache),
         m_shape(shape),
         m_k(shape.turnpoints),
-        m_boxes(cache),
+        m_boxes(cache, shape.turnpoints == 4),
         m_turnsDecidable(shape.turnpoints == 4 && TurnsDecidable(m_boxes)),
         m_usesShortestLegs(ShapeUsesShortestLegs(shape)),
         m_progress(progress, kExactProgressUnits),
