@@ -46,17 +46,17 @@ TLegDistanceTable::TLegDistanceTable(const TFlightPointCache& cache, const TInde
   storage.bounds.resize(rowCount * m_columns);
   storage.boundRows.assign(rowCount, 0);
   storage.rowBounds.assign(rowCount, 0.0);
+  storage.firstColumns.resize(rowCount);
   const double* cx = columnVectors.x.data();
   const double* cy = columnVectors.y.data();
   const double* cz = columnVectors.z.data();
   for (size_t i = 0; i < rowCount; ++i) {
     const int r = rows.low + static_cast<int>(i) * gridStep;
-    // The first column whose index lies above r.
-    const int above = r + 1 - columns.low;
-    const size_t first = above <= 0 ? 0 : std::min(m_columns, static_cast<size_t>((above + gridStep - 1) / gridStep));
+    const size_t first = FirstValidColumn(r);
+    storage.firstColumns[i] = first;
     const double x = rowVectors.x[i], y = rowVectors.y[i], z = rowVectors.z[i];
     double* chords = storage.bounds.data() + i * m_columns;
-    for (size_t j = 0; j < m_columns; ++j) {
+    for (size_t j = first; j < m_columns; ++j) {
       const double dx = x - cx[j], dy = y - cy[j], dz = z - cz[j];
       chords[j] = dx * dx + dy * dy + dz * dz;
     }
@@ -75,10 +75,16 @@ const double* TLegDistanceTable::Bounds(int row) {
   const auto i = static_cast<size_t>(row);
   double* bounds = m_storage.bounds.data() + i * m_columns;
   if (!m_storage.boundRows[i]) {
-    DistancesAbove(std::span(bounds, m_columns));
+    const size_t first = m_storage.firstColumns[i];
+    DistancesAbove(std::span(bounds + first, m_columns - first));
     m_storage.boundRows[i] = 1;
   }
   return bounds;
+}
+
+size_t TLegDistanceTable::FirstValidColumn(int r) const {
+  const int above = r + 1 - m_columnLow;
+  return above <= 0 ? 0 : std::min(m_columns, static_cast<size_t>((above + m_gridStep - 1) / m_gridStep));
 }
 
 double TLegDistanceTable::Measure(int row, int column) const {

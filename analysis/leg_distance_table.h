@@ -52,6 +52,8 @@ struct TLegTableStorage {
   std::vector<double> bounds;
   std::vector<char> boundRows;
   std::vector<double> rowBounds;
+  // Per row, the first column whose index lies above the row's.
+  std::vector<size_t> firstColumns;
 };
 
 class TLegDistanceTable {
@@ -85,6 +87,7 @@ private:
     return static_cast<size_t>(row) * m_columns + static_cast<size_t>(column);
   }
   double Measure(int row, int column) const;
+  size_t FirstValidColumn(int r) const;
 
   const TFlightPointCache& m_cache;
   int m_rowLow;
@@ -92,8 +95,9 @@ private:
   int m_gridStep;
   TLegOrder m_order;
   size_t m_columns;
-  // values: -1 until measured. bounds: the squared chords, turned into
-  // per-pair bounds a row at a time (boundRows marks the rows done).
+  // values: -1 until measured. bounds: the squared chords of the valid
+  // pairs, turned into per-pair bounds a row at a time (boundRows marks the
+  // rows done); the other cells hold whatever an earlier pass left.
   TLegTableStorage& m_storage;
 };
 
