@@ -120,19 +120,37 @@ bool SearchThree(TSearchRun& run) {
     const double leg3Bound = d31.RowBound(r1);
     const double leg2Bound = later23[static_cast<size_t>(d23.Row(run.First(1, p1)))];
     if (run.Below(TriangleBound<kFai>(d12.RowBound(r1), leg2Bound, leg3Bound))) continue;
-    const double* bound12 = d12.Bounds(r1);
+    // Per-pair bounds are converted only once a best above 0 can prune (an
+    // FAI search may find none for long).
+    const double* bound12 = nullptr;
     const double* bound31 = nullptr;
     for (int p2 = run.First(1, p1); p2 <= run.Last(1); p2 += run.stride) {
       if (run.Empty(2, p2)) break;
       const int c2 = d12.Column(p2);
       const int r2 = d23.Row(p2);
-      if (run.Below(TriangleBound<kFai>(bound12[c2], d23.RowBound(r2), leg3Bound))) continue;
+      const bool screened = run.best.score > 0;
+      if (screened) {
+        if (bound12 == nullptr) bound12 = d12.Bounds(r1);
+        if (run.Below(TriangleBound<kFai>(bound12[c2], d23.RowBound(r2), leg3Bound))) continue;
+      }
       const double leg1 = d12.Distance(r1, c2);
       if (run.Below(TriangleBound<kFai>(leg1, d23.RowBound(r2), leg3Bound))) continue;
+      const auto visit = [&](int p3, int c3) {
+        const double leg2 = d23.Distance(r2, c3);
+        const double leg3 = d31.Distance(r1, c3);
+        double score = leg1 + leg2 + leg3;
+        if (score < run.best.score) return;
+        if (kFai && !PassesFaiLegRule(leg1, leg2, leg3, score)) score = 0;
+        if (score >= run.best.score) run.Take({p1, p2, p3, kNoPoint}, score);
+      };
+      int p3 = run.First(2, p2);
+      int c3 = d23.Column(p3);
+      // While the best is 0 no bound is below it.
+      for (; p3 <= run.Last(2) && run.best.score <= 0; p3 += run.stride, c3 += run.ColumnStep()) visit(p3, c3);
+      if (p3 > run.Last(2)) continue;
       const double* bound23 = d23.Bounds(r2);
       if (bound31 == nullptr) bound31 = d31.Bounds(r1);
-      int c3 = d23.Column(run.First(2, p2));
-      for (int p3 = run.First(2, p2); p3 <= run.Last(2);) {
+      while (p3 <= run.Last(2)) {
         // Blocks of columns all below the best are passed over at once.
         if (run.ColumnStep() == 1 && p3 + (kBlockColumns - 1) * run.stride <= run.Last(2)) {
           bool reaches = false;
@@ -146,13 +164,7 @@ bool SearchThree(TSearchRun& run) {
         }
         const int blockEnd = std::min(run.Last(2), p3 + (kBlockColumns - 1) * run.stride);
         for (; p3 <= blockEnd; p3 += run.stride, c3 += run.ColumnStep()) {
-          if (run.Below(TriangleBound<kFai>(leg1, bound23[c3], bound31[c3]))) continue;
-          const double leg2 = d23.Distance(r2, c3);
-          const double leg3 = d31.Distance(r1, c3);
-          double score = leg1 + leg2 + leg3;
-          if (score < run.best.score) continue;
-          if (kFai && !PassesFaiLegRule(leg1, leg2, leg3, score)) score = 0;
-          if (score >= run.best.score) run.Take({p1, p2, p3, kNoPoint}, score);
+          if (!run.Below(TriangleBound<kFai>(leg1, bound23[c3], bound31[c3]))) visit(p3, c3);
         }
       }
     }
