@@ -236,8 +236,14 @@ bool SearchTurnpoints(const TFlightPointCache& cache, const TOptimizationShape& 
   // and zero again on every pass.
   thread_local TSearchStorage storage;
   TSearchRun run{cache, windows, step, progress, best, gridStep, storage};
-  for (size_t slot = 0; slot < static_cast<size_t>(shape.turnpoints); ++slot)
-    storage.vectors[slot].Load(cache, windows[slot], gridStep);
+  for (size_t slot = 0; slot < static_cast<size_t>(shape.turnpoints); ++slot) {
+    // The coarse pass gives every slot the whole track: its vectors once.
+    const bool sameAsFirst = slot > 0 && windows[slot].low == windows[0].low && windows[slot].high == windows[0].high;
+    if (sameAsFirst)
+      storage.vectors[slot] = storage.vectors[0];
+    else
+      storage.vectors[slot].Load(cache, windows[slot], gridStep);
+  }
   switch (shape.turnpoints) {
     case 2:
       return SearchTwo(run);
