@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <span>
+#include <vector>
 
 #include "analysis/flight_point_cache.h"
 
@@ -27,6 +28,24 @@ struct TUnitVector {
 
 // The point's position as a unit vector from the earth's centre.
 TUnitVector UnitVectorOf(const TFlightPointRecord& record);
+
+// Unit vectors kept one array per coordinate, so that loops over many of
+// them vectorise.
+struct TUnitVectorColumns {
+  std::vector<double> x, y, z;
+
+  void Clear() {
+    x.clear();
+    y.clear();
+    z.clear();
+  }
+  void Add(const TUnitVector& v) {
+    x.push_back(v.x);
+    y.push_back(v.y);
+    z.push_back(v.z);
+  }
+  size_t Count() const { return x.size(); }
+};
 
 inline double ChordSquared(const TUnitVector& a, const TUnitVector& b) {
   const double dx = a.x - b.x;

@@ -83,21 +83,6 @@ std::vector<TUnitVector> StrideVectors(const TFlightPointCache& cache, int from,
   return vectors;
 }
 
-// The vectors again, one array per coordinate, so that a run's squared
-// chords vectorise.
-struct TVectorColumns {
-  std::vector<double> x, y, z;
-
-  explicit TVectorColumns(std::span<const TUnitVector> vectors) {
-    for (const TUnitVector& v : vectors) {
-      x.push_back(v.x);
-      y.push_back(v.y);
-      z.push_back(v.z);
-    }
-  }
-  size_t Count() const { return x.size(); }
-};
-
 // Starts and finishes are screened in runs of this many: a run of finishes
 // far from a start, or from a whole run of starts, is passed over with one
 // distance between balls.
@@ -122,7 +107,8 @@ bool CloseFlight(const TFlightPointCache& cache, std::span<const int> turnpoints
   const int finishStride = ClosingStride(n - last);
   const std::vector<TUnitVector> starts = StrideVectors(cache, 0, first, startStride);
   const std::vector<TUnitVector> finishVectors = StrideVectors(cache, last, n, finishStride);
-  const TVectorColumns finishes(finishVectors);
+  TUnitVectorColumns finishes;
+  for (const TUnitVector& v : finishVectors) finishes.Add(v);
   const std::vector<TChordBall> startBalls = RunBalls(starts);
   const std::vector<TChordBall> balls = RunBalls(finishVectors);
   std::vector<size_t> openRuns;

@@ -13,26 +13,20 @@ size_t GridCount(const TIndexWindow& window, int gridStep) {
 
 }  // namespace
 
-void TWindowVectors::Load(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep) {
+void LoadWindowVectors(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep,
+                       TUnitVectorColumns& vectors) {
+  vectors.Clear();
   const size_t count = GridCount(window, gridStep);
-  x.resize(count);
-  y.resize(count);
-  z.resize(count);
-  for (size_t i = 0; i < count; ++i) {
-    const TUnitVector v =
-        UnitVectorOf(cache.Record(static_cast<size_t>(window.low) + i * static_cast<size_t>(gridStep)));
-    x[i] = v.x;
-    y[i] = v.y;
-    z[i] = v.z;
-  }
+  for (size_t i = 0; i < count; ++i)
+    vectors.Add(UnitVectorOf(cache.Record(static_cast<size_t>(window.low) + i * static_cast<size_t>(gridStep))));
 }
 
 // The squared chords of every valid pair are taken at once (a few
 // multiply-adds each, vectorised); they give the row bounds and, converted a
 // row at a time when a row is first asked for, the per-pair bounds.
 TLegDistanceTable::TLegDistanceTable(const TFlightPointCache& cache, const TIndexWindow& rows,
-                                     const TIndexWindow& columns, const TWindowVectors& rowVectors,
-                                     const TWindowVectors& columnVectors, int gridStep, TLegOrder order,
+                                     const TIndexWindow& columns, const TUnitVectorColumns& rowVectors,
+                                     const TUnitVectorColumns& columnVectors, int gridStep, TLegOrder order,
                                      TLegTableStorage& storage)
     : m_cache(cache),
       m_rowLow(rows.low),

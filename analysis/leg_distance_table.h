@@ -37,14 +37,10 @@ namespace velantis {
 // Which argument comes first in the measured distance.
 enum class TLegOrder { RowToColumn, ColumnToRow };
 
-// The unit vectors of one window's grid points, shared by the tables of a
-// pass, one array per coordinate so that rows of squared chords vectorise.
-struct TWindowVectors {
-  std::vector<double> x, y, z;
-
-  void Load(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep);
-  size_t Count() const { return x.size(); }
-};
+// Loads the unit vectors of a window's grid points (shared by the tables of
+// a pass).
+void LoadWindowVectors(const TFlightPointCache& cache, const TIndexWindow& window, int gridStep,
+                       TUnitVectorColumns& vectors);
 
 // The storage of one table, kept from pass to pass (see TLegDistanceTable).
 struct TLegTableStorage {
@@ -63,7 +59,7 @@ public:
   // storage for every pass spares allocating (and the system zeroing) a
   // fresh matrix each time.
   TLegDistanceTable(const TFlightPointCache& cache, const TIndexWindow& rows, const TIndexWindow& columns,
-                    const TWindowVectors& rowVectors, const TWindowVectors& columnVectors, int gridStep,
+                    const TUnitVectorColumns& rowVectors, const TUnitVectorColumns& columnVectors, int gridStep,
                     TLegOrder order, TLegTableStorage& storage);
 
   // Grid positions of a row index and of a column index.

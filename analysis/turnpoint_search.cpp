@@ -24,7 +24,7 @@ namespace {
 
 // What a pass keeps in memory: the window vectors and up to four leg tables.
 struct TSearchStorage {
-  std::array<TWindowVectors, kMaxTurnpoints> vectors;
+  std::array<TUnitVectorColumns, kMaxTurnpoints> vectors;
   std::array<TLegTableStorage, kMaxTurnpoints> tables;
 };
 
@@ -242,7 +242,7 @@ bool SearchTurnpoints(const TFlightPointCache& cache, const TOptimizationShape& 
     if (sameAsFirst)
       storage.vectors[slot] = storage.vectors[0];
     else
-      storage.vectors[slot].Load(cache, windows[slot], gridStep);
+      LoadWindowVectors(cache, windows[slot], gridStep, storage.vectors[slot]);
   }
   switch (shape.turnpoints) {
     case 2:
