@@ -30,9 +30,9 @@
 // chord proves that Consider would leave everything as it is: its gap is
 // above the best one and either below kSecondPairMinGapM or above the
 // runner-up's; runs of finishes are passed over at once when the ball around
-// them proves this for all of them, for one start or for a run of starts. Every pair that could change the result,
-// ties included, is measured with the real distance, so the result is the
-// one of measuring all.
+// them proves this for all of them, for one start or for a run of starts.
+// Every pair that could change the result, ties included, is measured with
+// the real distance, so the result is the one of measuring all.
 
 namespace velantis {
 
