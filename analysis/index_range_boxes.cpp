@@ -14,7 +14,7 @@ double ChordToMetres(double chord) {
 
 }  // namespace
 
-TIndexRangeBoxes::TIndexRangeBoxes(const TFlightPointCache& cache, bool withPlanes) {
+TIndexRangeBoxes::TIndexRangeBoxes(const TFlightPointCache& cache, bool withPlanes) : m_withPlanes(withPlanes) {
   const size_t count = cache.Count();
   if (count == 0) return;
   m_points.resize(count);
@@ -33,8 +33,7 @@ int TIndexRangeBoxes::Build(const TFlightPointCache& cache, int first, int last)
   const int id = static_cast<int>(m_nodes.size());
   m_nodes.push_back(
       {first, last, kNoChild, kNoChild, points[static_cast<size_t>(first)], points[static_cast<size_t>(first)]});
-  const bool withPlanes = m_planes.capacity() > 0;
-  if (withPlanes) {
+  if (m_withPlanes) {
     const TFlightPointRecord& record = cache.Record(static_cast<size_t>(first));
     m_planes.push_back({record.latRad, record.latRad, record.lonRad, record.lonRad, record.cosLat, record.cosLat});
   }
@@ -51,7 +50,7 @@ int TIndexRangeBoxes::Build(const TFlightPointCache& cache, int first, int last)
     node.low[k] = std::min(l.low[k], r.low[k]);
     node.high[k] = std::max(l.high[k], r.high[k]);
   }
-  if (withPlanes) {
+  if (m_withPlanes) {
     const TPlaneRanges& lp = m_planes[static_cast<size_t>(left)];
     const TPlaneRanges& rp = m_planes[static_cast<size_t>(right)];
     m_planes[static_cast<size_t>(id)] = {std::min(lp.latLow, rp.latLow), std::max(lp.latHigh, rp.latHigh),

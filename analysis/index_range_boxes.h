@@ -44,7 +44,8 @@ class TIndexRangeBoxes {
 public:
   static constexpr int kNoChild = -1;
 
-  // withPlanes: keep the ranges Plane() returns.
+  // withPlanes: keep the ranges Plane() returns (Plane() must not be called
+  // otherwise).
   explicit TIndexRangeBoxes(const TFlightPointCache& cache, bool withPlanes = true);
 
   bool Empty() const { return m_nodes.empty(); }
@@ -82,6 +83,7 @@ private:
   int Build(const TFlightPointCache& cache, int first, int last);
 
   std::vector<std::array<double, 3>> m_points;
+  bool m_withPlanes;
   std::vector<TNode> m_nodes;
   // Beside m_nodes, node for node; empty unless asked for.
   std::vector<TPlaneRanges> m_planes;
