@@ -247,7 +247,7 @@ void PrintSummary() {
     std::printf("%-31s %-8s %6zu %9.3f %9.3f %9.3f %9.3f ", key.first.c_str(), key.second.c_str(), row.points,
                 row.defaultMs, row.exactMs, row.searchMs, row.closingMs);
     if (row.referenceMs > 0)
-      std::printf("%9.1f %8.2f %8.2f %8.2f ", row.referenceMs, row.referenceMs / row.defaultMs,
+      std::printf("%9.3f %8.2f %8.2f %8.2f ", row.referenceMs, row.referenceMs / row.defaultMs,
                   row.referenceMs / row.exactMs, row.referenceMs / row.searchMs);
     else
       std::printf("%9s %8s %8s %8s ", "-", "-", "-", "-");
