@@ -11,10 +11,31 @@ namespace {
 // absolute for metre-long chords), far below any gap that matters.
 constexpr double kChordRelativeMargin = 1e-6;
 constexpr double kChordAbsoluteMargin = 1e-18;
-// The ball's radius and the distance to its centre are rounded sums of
-// squares under a square root: widen them by far more than that rounding.
-constexpr double kBallRelativeMargin = 1e-9;
+// Absolute widening of a ball's radius, beside kBallRelativeMargin.
 constexpr double kBallAbsoluteMargin = 1e-15;
+
+// Half chords up to this use the series bound below; longer ones (legs over
+// about 3300 km) the arc sine itself.
+constexpr double kSeriesHalfChordLimit = 0.5;
+constexpr double kAsinRelativeMargin = 1e-12;
+constexpr double kDistanceAbsoluteMarginM = 1e-6;
+
+// asin x = x + x^3 / 6 + (3/40) x^5 + ..., every further coefficient below
+// 3/40, so the tail from x^5 on is at most (3/40) x^5 / (1 - x^2), which is
+// at most x^5 / 10 while x < 1/2.
+double AsinSeriesAbove(double x) {
+  const double x2 = x * x;
+  return (x + x * x2 * (1.0 / 6.0 + 0.1 * x2)) * (1.0 + kAsinRelativeMargin);
+}
+
+double AsinAbove(double x) {
+  if (x >= kSeriesHalfChordLimit) return std::asin(std::min(1.0, x)) * (1.0 + kAsinRelativeMargin);
+  return AsinSeriesAbove(x);
+}
+
+double HalfChordAbove(double chordSquared) {
+  return 0.5 * std::sqrt(chordSquared * (1.0 + kChordRelativeMargin) + kChordAbsoluteMargin);
+}
 
 double ExactChordSquared(double distanceM) {
   const double halfChord = std::sin(distanceM / (2.0 * kFaiSphereRadiusM));
@@ -42,15 +63,23 @@ TChordBall BallOf(std::span<const TUnitVector> vectors) {
   return ball;
 }
 
-TChordRange ChordRange(const TChordBall& ball, const TUnitVector& point) {
-  const double toCentre = std::sqrt(ChordSquared(ball.centre, point));
-  const double nearest = std::max(0.0, toCentre * (1.0 - kBallRelativeMargin) - ball.radius);
-  const double farthest = toCentre * (1.0 + kBallRelativeMargin) + ball.radius;
-  return {nearest * nearest, farthest * farthest};
-}
-
 double ChordAbove(double distanceM) {
   return ExactChordSquared(distanceM) * (1.0 + kChordRelativeMargin) + kChordAbsoluteMargin;
+}
+
+double DistanceAbove(double chordSquared) {
+  return 2.0 * kFaiSphereRadiusM * AsinAbove(HalfChordAbove(chordSquared)) + kDistanceAbsoluteMarginM;
+}
+
+void DistancesAbove(std::span<double> chordsSquared) {
+  double largest = 0;
+  for (const double chord : chordsSquared) largest = std::max(largest, chord);
+  if (HalfChordAbove(largest) >= kSeriesHalfChordLimit) {
+    for (double& chord : chordsSquared) chord = DistanceAbove(chord);
+    return;
+  }
+  for (double& chord : chordsSquared)
+    chord = 2.0 * kFaiSphereRadiusM * AsinSeriesAbove(HalfChordAbove(chord)) + kDistanceAbsoluteMarginM;
 }
 
 double ChordBelow(double distanceM) {

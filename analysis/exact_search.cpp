@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "analysis/certain_turn.h"
+#include "analysis/chord_screen.h"
 #include "analysis/index_range_boxes.h"
 #include "analysis/shape_upper_bound.h"
 #include "analysis/space_share_progress.h"
@@ -28,8 +29,9 @@ public:
       : m_cache(cache),
         m_shape(shape),
         m_k(shape.turnpoints),
-        m_boxes(cache),
+        m_boxes(cache, shape.turnpoints == 4),
         m_turnsDecidable(shape.turnpoints == 4 && TurnsDecidable(m_boxes)),
+        m_usesShortestLegs(ShapeUsesShortestLegs(shape)),
         m_progress(progress, kExactProgressUnits),
         m_count(static_cast<double>(cache.Count())) {}
 
@@ -41,6 +43,7 @@ private:
   bool CertainlyConcave(const TRangeTuple& tuple) const;
   double Share(const TRangeTuple& tuple) const;
   int WidestRange(const TRangeTuple& tuple) const;
+  double ScoreAbove(std::span<const int> indices) const;
   void TryCandidate(std::span<const int> indices);
   void TryMiddles(const TRangeTuple& tuple);
   void Branch(const TRangeTuple& tuple);
@@ -50,6 +53,8 @@ private:
   const int m_k;
   const TIndexRangeBoxes m_boxes;
   const bool m_turnsDecidable;
+  // The bound reads the smallest legs only for the shapes with a leg rule.
+  const bool m_usesShortestLegs;
   TSpaceShareProgress m_progress;
   const double m_count;
   std::priority_queue<TRangeTuple> m_open;
@@ -93,7 +98,7 @@ double TExactSearch::Bound(const TRangeTuple& tuple) const {
     const int from = tuple.ranges[static_cast<size_t>(j)];
     const int to = tuple.ranges[static_cast<size_t>((j + 1) % m_k)];
     maxLegs[static_cast<size_t>(j)] = m_boxes.MaxDistance(from, to);
-    minLegs[static_cast<size_t>(j)] = m_boxes.MinDistance(from, to);
+    if (m_usesShortestLegs) minLegs[static_cast<size_t>(j)] = m_boxes.MinDistance(from, to);
   }
   const auto count = static_cast<size_t>(legs);
   return ShapeUpperBound(m_shape, std::span(maxLegs.data(), count), std::span(minLegs.data(), count));
@@ -122,7 +127,25 @@ int TExactSearch::WidestRange(const TRangeTuple& tuple) const {
   return widest;
 }
 
+// No candidate's ShapeScore exceeds this: the sum of its legs' DistanceAbove
+// (added in ShapeScore's order), as a refused shape scores 0.
+double TExactSearch::ScoreAbove(std::span<const int> indices) const {
+  const auto leg = [&](size_t a, size_t b) {
+    const auto& p = m_boxes.Point(indices[a]);
+    const auto& q = m_boxes.Point(indices[b]);
+    const double dx = p[0] - q[0], dy = p[1] - q[1], dz = p[2] - q[2];
+    return DistanceAbove(dx * dx + dy * dy + dz * dz);
+  };
+  if (!m_shape.Closed()) return leg(0, 1);
+  double sum = 0;
+  for (size_t j = 0; j < static_cast<size_t>(m_k); ++j) sum += leg(j, (j + 1) % static_cast<size_t>(m_k));
+  return sum;
+}
+
 void TExactSearch::TryCandidate(std::span<const int> indices) {
+  // Most candidates tried fall short of the best; the cheap bound spares
+  // measuring them.
+  if (ScoreAbove(indices) <= m_bestScore) return;
   const double score = ShapeScore(m_cache, m_shape, indices);
   if (score <= m_bestScore) return;
   m_bestScore = score;

@@ -1,6 +1,7 @@
 #include "analysis/flight_closing.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <vector>
 
@@ -29,9 +30,9 @@
 // chord proves that Consider would leave everything as it is: its gap is
 // above the best one and either below kSecondPairMinGapM or above the
 // runner-up's; runs of finishes are passed over at once when the ball around
-// them proves this for all of them. Every pair that could change the result,
-// ties included, is measured with the real distance, so the result is the
-// one of measuring all.
+// them proves this for all of them, for one start or for a run of starts.
+// Every pair that could change the result, ties included, is measured with
+// the real distance, so the result is the one of measuring all.
 
 namespace velantis {
 
@@ -56,40 +57,41 @@ void Consider(int s, int f, double gap, TFlightClosing& closing) {
   }
 }
 
-// Squared-chord bounds of the current best and runner-up gaps.
+// Squared-chord bounds of the current best and runner-up gaps; infinite
+// while there is none, so that nothing is skipped for it.
 struct TClosingScreen {
-  double aboveBest = 0;
-  double aboveSecond = 0;
+  double aboveBest = std::numeric_limits<double>::infinity();
+  double aboveSecond = std::numeric_limits<double>::infinity();
   double belowSecondMin = ChordBelow(kSecondPairMinGapM);
 
   void Update(const TFlightClosing& closing) {
     aboveBest = ChordAbove(closing.gapM);
-    aboveSecond = closing.secondStart == kNoPoint ? 0 : ChordAbove(closing.secondGapM);
+    aboveSecond =
+        closing.secondStart == kNoPoint ? std::numeric_limits<double>::infinity() : ChordAbove(closing.secondGapM);
   }
   // True when a pair of this squared chord cannot change the closing.
-  bool Skips(const TFlightClosing& closing, double chord) const { return SkipsAll(closing, {chord, chord}); }
+  bool Skips(double chord) const { return chord > aboveBest && (chord < belowSecondMin || chord > aboveSecond); }
   // True when no pair of squared chord within the range can change it.
-  bool SkipsAll(const TFlightClosing& closing, TChordRange range) const {
-    if (closing.start == kNoPoint || range.low <= aboveBest) return false;
-    return range.high < belowSecondMin || (closing.secondStart != kNoPoint && range.low > aboveSecond);
+  bool SkipsAll(TChordRange range) const {
+    return range.low > aboveBest && (range.high < belowSecondMin || range.low > aboveSecond);
   }
 };
 
-std::vector<TUnitVector> FinishVectors(const TFlightPointCache& cache, int last, int stride) {
+std::vector<TUnitVector> StrideVectors(const TFlightPointCache& cache, int from, int to, int stride) {
   std::vector<TUnitVector> vectors;
-  for (int f = last; f <= static_cast<int>(cache.Count()) - 1; f += stride)
-    vectors.push_back(UnitVectorOf(cache.Record(static_cast<size_t>(f))));
+  for (int i = from; i < to; i += stride) vectors.push_back(UnitVectorOf(cache.Record(static_cast<size_t>(i))));
   return vectors;
 }
 
-// Finishes are screened in runs of this many: a run far from the start is
-// passed over with one distance to its ball.
-constexpr size_t kFinishRunLength = 16;
+// Starts and finishes are screened in runs of this many: a run of finishes
+// far from a start, or from a whole run of starts, is passed over with one
+// distance between balls.
+constexpr size_t kRunLength = 16;
 
-std::vector<TChordBall> FinishBalls(std::span<const TUnitVector> finishes) {
+std::vector<TChordBall> RunBalls(std::span<const TUnitVector> vectors) {
   std::vector<TChordBall> balls;
-  for (size_t k = 0; k < finishes.size(); k += kFinishRunLength)
-    balls.push_back(BallOf(finishes.subspan(k, std::min(kFinishRunLength, finishes.size() - k))));
+  for (size_t k = 0; k < vectors.size(); k += kRunLength)
+    balls.push_back(BallOf(vectors.subspan(k, std::min(kRunLength, vectors.size() - k))));
   return balls;
 }
 
@@ -103,21 +105,49 @@ bool CloseFlight(const TFlightPointCache& cache, std::span<const int> turnpoints
   const int last = turnpoints.back();
   const int startStride = ClosingStride(first);
   const int finishStride = ClosingStride(n - last);
-  const std::vector<TUnitVector> finishes = FinishVectors(cache, last, finishStride);
-  const std::vector<TChordBall> balls = FinishBalls(finishes);
+  const std::vector<TUnitVector> starts = StrideVectors(cache, 0, first, startStride);
+  const std::vector<TUnitVector> finishVectors = StrideVectors(cache, last, n, finishStride);
+  TUnitVectorColumns finishes;
+  for (const TUnitVector& v : finishVectors) finishes.Add(v);
+  const std::vector<TChordBall> startBalls = RunBalls(starts);
+  const std::vector<TChordBall> balls = RunBalls(finishVectors);
+  std::vector<size_t> openRuns;
+  openRuns.reserve(balls.size());
   TClosingScreen screen;
   ProgressSetTotal(progress, first);
-  for (int s = 0; s < first; s += startStride) {
-    if (!ProgressStep(progress, startStride)) return false;
-    const TUnitVector start = UnitVectorOf(cache.Record(static_cast<size_t>(s)));
-    for (size_t run = 0; run < balls.size(); ++run) {
-      if (screen.SkipsAll(closing, ChordRange(balls[run], start))) continue;
-      const size_t end = std::min(finishes.size(), (run + 1) * kFinishRunLength);
-      for (size_t k = run * kFinishRunLength; k < end; ++k) {
-        if (screen.Skips(closing, ChordSquared(start, finishes[k]))) continue;
-        const int f = last + static_cast<int>(k) * finishStride;
-        Consider(s, f, cache.Distance(static_cast<size_t>(s), static_cast<size_t>(f)), closing);
-        screen.Update(closing);
+  std::array<double, kRunLength> chords{};
+  for (size_t startRun = 0; startRun < startBalls.size(); ++startRun) {
+    // A pair the screen skips now stays skipped: the best and runner-up gaps
+    // only shrink. So runs of finishes skipped for the whole run of starts
+    // here need no look for each start.
+    openRuns.clear();
+    for (size_t run = 0; run < balls.size(); ++run)
+      if (!screen.SkipsAll(ChordRange(balls[run], startBalls[startRun]))) openRuns.push_back(run);
+    const size_t startEnd = std::min(starts.size(), (startRun + 1) * kRunLength);
+    for (size_t i = startRun * kRunLength; i < startEnd; ++i) {
+      if (!ProgressStep(progress, startStride)) return false;
+      const int s = static_cast<int>(i) * startStride;
+      const TUnitVector& start = starts[i];
+      for (const size_t run : openRuns) {
+        if (screen.SkipsAll(ChordRange(balls[run], start))) continue;
+        // The run's squared chords at once, and whether any pair is open.
+        const size_t begin = run * kRunLength;
+        const size_t count = std::min(kRunLength, finishes.Count() - begin);
+        bool open = false;
+        for (size_t k = 0; k < count; ++k) {
+          const double dx = start.x - finishes.x[begin + k];
+          const double dy = start.y - finishes.y[begin + k];
+          const double dz = start.z - finishes.z[begin + k];
+          chords[k] = dx * dx + dy * dy + dz * dz;
+          open |= !screen.Skips(chords[k]);
+        }
+        if (!open) continue;
+        for (size_t k = 0; k < count; ++k) {
+          if (screen.Skips(chords[k])) continue;
+          const int f = last + static_cast<int>(begin + k) * finishStride;
+          Consider(s, f, cache.Distance(static_cast<size_t>(s), static_cast<size_t>(f)), closing);
+          screen.Update(closing);
+        }
       }
     }
   }

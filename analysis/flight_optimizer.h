@@ -7,8 +7,10 @@
 // reach them; it is kept as it is because its results are the ones users
 // know. The exact search proves the optimum.
 //
-// Work: about 100^K / K! distance evaluations in the coarse pass (50^4 / 4!
-// for four turnpoints) and at most 101^K (41^4) in the refinement.
+// Work: about 100^K / K! candidates in the coarse pass (50^4 / 4! for four
+// turnpoints) and at most 101^K (41^4) in the refinement; most of them are
+// passed over by upper bounds that prove they cannot reach the best so far,
+// and a leg is measured at most once per pass (turnpoint_search.cpp).
 #pragma once
 
 #include <functional>

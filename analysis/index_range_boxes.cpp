@@ -14,30 +14,33 @@ double ChordToMetres(double chord) {
 
 }  // namespace
 
-TIndexRangeBoxes::TIndexRangeBoxes(const TFlightPointCache& cache) {
+TIndexRangeBoxes::TIndexRangeBoxes(const TFlightPointCache& cache, bool withPlanes) : m_withPlanes(withPlanes) {
   const size_t count = cache.Count();
   if (count == 0) return;
-  std::vector<std::array<double, 3>> points(count);
+  m_points.resize(count);
   for (size_t i = 0; i < count; ++i) {
     const TFlightPointRecord& record = cache.Record(i);
-    points[i] = {record.cosLat * std::cos(record.lonRad), record.cosLat * std::sin(record.lonRad), record.sinLat};
+    m_points[i] = {record.cosLat * std::cos(record.lonRad), record.cosLat * std::sin(record.lonRad), record.sinLat};
   }
   m_nodes.reserve(2 * count);
-  Build(cache, points, 0, static_cast<int>(count) - 1);
+  if (withPlanes) m_planes.reserve(2 * count);
+  Build(cache, 0, static_cast<int>(count) - 1);
 }
 
 // Pre-order, so the root is node 0; depth is log2(n), so recursion is safe.
-int TIndexRangeBoxes::Build(const TFlightPointCache& cache, const std::vector<std::array<double, 3>>& points,
-                            int first, int last) {
+int TIndexRangeBoxes::Build(const TFlightPointCache& cache, int first, int last) {
+  const std::vector<std::array<double, 3>>& points = m_points;
   const int id = static_cast<int>(m_nodes.size());
-  const TFlightPointRecord& record = cache.Record(static_cast<size_t>(first));
-  m_nodes.push_back({first, last, kNoChild, kNoChild, points[static_cast<size_t>(first)],
-                     points[static_cast<size_t>(first)],
-                     {record.latRad, record.latRad, record.lonRad, record.lonRad, record.cosLat, record.cosLat}});
+  m_nodes.push_back(
+      {first, last, kNoChild, kNoChild, points[static_cast<size_t>(first)], points[static_cast<size_t>(first)]});
+  if (m_withPlanes) {
+    const TFlightPointRecord& record = cache.Record(static_cast<size_t>(first));
+    m_planes.push_back({record.latRad, record.latRad, record.lonRad, record.lonRad, record.cosLat, record.cosLat});
+  }
   if (first == last) return id;
   const int middle = first + (last - first) / 2;
-  const int left = Build(cache, points, first, middle);
-  const int right = Build(cache, points, middle + 1, last);
+  const int left = Build(cache, first, middle);
+  const int right = Build(cache, middle + 1, last);
   TNode& node = m_nodes[static_cast<size_t>(id)];
   const TNode& l = m_nodes[static_cast<size_t>(left)];
   const TNode& r = m_nodes[static_cast<size_t>(right)];
@@ -47,9 +50,13 @@ int TIndexRangeBoxes::Build(const TFlightPointCache& cache, const std::vector<st
     node.low[k] = std::min(l.low[k], r.low[k]);
     node.high[k] = std::max(l.high[k], r.high[k]);
   }
-  node.plane = {std::min(l.plane.latLow, r.plane.latLow), std::max(l.plane.latHigh, r.plane.latHigh),
-                std::min(l.plane.lonLow, r.plane.lonLow), std::max(l.plane.lonHigh, r.plane.lonHigh),
-                std::min(l.plane.cosLow, r.plane.cosLow), std::max(l.plane.cosHigh, r.plane.cosHigh)};
+  if (m_withPlanes) {
+    const TPlaneRanges& lp = m_planes[static_cast<size_t>(left)];
+    const TPlaneRanges& rp = m_planes[static_cast<size_t>(right)];
+    m_planes[static_cast<size_t>(id)] = {std::min(lp.latLow, rp.latLow), std::max(lp.latHigh, rp.latHigh),
+                                         std::min(lp.lonLow, rp.lonLow), std::max(lp.lonHigh, rp.lonHigh),
+                                         std::min(lp.cosLow, rp.cosLow), std::max(lp.cosHigh, rp.cosHigh)};
+  }
   return id;
 }
 

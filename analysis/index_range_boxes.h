@@ -13,7 +13,8 @@
 //
 // Each node also keeps the range of its latitudes, longitudes and latitude
 // cosines (radians), the inputs of the local-plane turn direction, so that the
-// quadrilateral's convexity can be decided for whole ranges (CertainTurn).
+// quadrilateral's convexity can be decided for whole ranges (CertainTurn);
+// only when asked for, as the other shapes never read them.
 //
 // Node 0 is the root (every index); a node of one index has no children
 // (Left() and Right() return kNoChild). Building costs O(n) and 2n nodes.
@@ -43,7 +44,9 @@ class TIndexRangeBoxes {
 public:
   static constexpr int kNoChild = -1;
 
-  explicit TIndexRangeBoxes(const TFlightPointCache& cache);
+  // withPlanes: keep the ranges Plane() returns (Plane() must not be called
+  // otherwise).
+  explicit TIndexRangeBoxes(const TFlightPointCache& cache, bool withPlanes = true);
 
   bool Empty() const { return m_nodes.empty(); }
   int Root() const { return 0; }
@@ -54,7 +57,9 @@ public:
   int Right(int node) const { return m_nodes[static_cast<size_t>(node)].right; }
   bool IsLeaf(int node) const { return Left(node) == kNoChild; }
 
-  const TPlaneRanges& Plane(int node) const { return m_nodes[static_cast<size_t>(node)].plane; }
+  const TPlaneRanges& Plane(int node) const { return m_planes[static_cast<size_t>(node)]; }
+  // The unit vector of point `index` (as UnitVectorOf gives it).
+  const std::array<double, 3>& Point(int index) const { return m_points[static_cast<size_t>(index)]; }
 
   // Square of the box's diagonal (unit-sphere chords): the search splits the
   // widest range first.
@@ -73,12 +78,15 @@ private:
     int right;
     std::array<double, 3> low;
     std::array<double, 3> high;
-    TPlaneRanges plane;
   };
 
-  int Build(const TFlightPointCache& cache, const std::vector<std::array<double, 3>>& points, int first, int last);
+  int Build(const TFlightPointCache& cache, int first, int last);
 
+  std::vector<std::array<double, 3>> m_points;
+  bool m_withPlanes;
   std::vector<TNode> m_nodes;
+  // Beside m_nodes, node for node; empty unless asked for.
+  std::vector<TPlaneRanges> m_planes;
 };
 
 }  // namespace velantis

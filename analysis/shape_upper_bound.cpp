@@ -32,11 +32,15 @@ double LegShareBound(std::span<const double> maxLegs, std::span<const double> mi
   return needed <= upper * (1.0 + kShareTestRelativeSlack) ? upper : 0.0;
 }
 
+bool ShapeUsesShortestLegs(const TOptimizationShape& shape) {
+  return shape.Closed() && (shape.faiRule || shape.turnpoints == 4);
+}
+
 double ShapeUpperBound(const TOptimizationShape& shape, std::span<const double> maxLegs,
                        std::span<const double> minLegs) {
   if (!shape.Closed()) return maxLegs[0];
-  if (shape.faiRule) return LegShareBound(maxLegs, minLegs, kFaiMinLegShare);
-  if (shape.turnpoints == 4) return LegShareBound(maxLegs, minLegs, kQuadMinLegShare);
+  if (ShapeUsesShortestLegs(shape))
+    return LegShareBound(maxLegs, minLegs, shape.faiRule ? kFaiMinLegShare : kQuadMinLegShare);
   double sum = 0;
   for (const double leg : maxLegs) sum += leg;
   return sum;

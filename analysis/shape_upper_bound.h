@@ -22,6 +22,10 @@ namespace velantis {
 // x_j >= share x S; 0 when no such legs exist (every candidate scores 0).
 double LegShareBound(std::span<const double> maxLegs, std::span<const double> minLegs, double share);
 
+// True when ShapeUpperBound reads minLegs (the FAI triangle and the
+// quadrilateral); the others are bounded by their largest legs alone.
+bool ShapeUsesShortestLegs(const TOptimizationShape& shape);
+
 // The bound of the shape for legs in [minLegs[j], maxLegs[j]] (K legs for a
 // closed shape of K turnpoints, one for the free distance).
 double ShapeUpperBound(const TOptimizationShape& shape, std::span<const double> maxLegs,
