@@ -66,7 +66,8 @@ int32_t OperatorKind(std::string_view text) {
 }
 
 // A two-character run that is no operator is read as two one-character
-// runs ("=-" in a=-1).
+// operators ("=-" in a=-1); when either half is none, the run is reported
+// whole ("?=").
 void ClassifyOperators(TTokenList& tokens) {
   for (size_t i = 0; i < tokens.size(); ++i) {
     TTokenNode& token = *tokens[i];
@@ -75,7 +76,9 @@ void ClassifyOperators(TTokenList& tokens) {
       token.kind = kind;
       continue;
     }
-    if (token.text.size() != 2) throw TScriptError(kUnknownSymbol + token.text, token);
+    if (token.text.size() != 2 || !OperatorKind(token.text.substr(0, 1)) ||
+        !OperatorKind(token.text.substr(1)))
+      throw TScriptError(kUnknownSymbol + token.text, token);
     auto second = MakeToken(kTokSym, token.end, token.end, token.text.substr(1));
     token.text.resize(1);
     token.end = token.start;

@@ -28,6 +28,12 @@ constexpr std::pair<int32_t, const char*> kKindTexts[] = {
     {kTokFunctions, "functions"},
 };
 
+// The kinds whose text is not already their kind's.
+bool HasText(int32_t kind) {
+  return kind == kTokWord || kind == kTokNum || kind == kTokAlfanum || kind == kTokString ||
+         kind == kTokSym;
+}
+
 void AppendTree(const TTokenNode& node, std::string& out) {
   out += PrintNode(node);
   out += ' ';
@@ -48,7 +54,7 @@ std::string KindText(int32_t kind) {
 
 std::string PrintNode(const TTokenNode& node) {
   std::string out = KindText(node.kind);
-  if (!node.text.empty()) out += ' ' + node.text;
+  if (HasText(node.kind)) out += ' ' + node.text;
   return out;
 }
 
