@@ -1,32 +1,13 @@
-// The language run end to end: each row is a script and what it leaves, its
-// Echo output, then "v=" and the variable v when the script set it, then,
-// when it failed, "|" with the message and the offsets of the token.
+// The language run end to end, one table per area: each row is a script
+// and what it leaves (see Outcome).
 #include <gtest/gtest.h>
 
-#include <string>
-
-#include "script/velan_script_base.h"
+#include "tests/script/script_outcome.h"
 
 namespace velantis {
 namespace {
 
-std::string Outcome(const std::string& text) {
-  TVelanScriptBase script;
-  std::string error;
-  try {
-    script.Load(text);
-    script.Ejecuta();
-  } catch (const TScriptError& e) {
-    error = "|" + std::string(e.what()) + "@" + std::to_string(e.Start()) + "-" + std::to_string(e.End());
-  }
-  const TVarVelanScript* v = script.GetVariable("v");
-  return script.Output() + (v ? "v=" + v->AsText() : "") + error;
-}
-
-struct TCase {
-  const char* script;
-  const char* outcome;
-};
+using TCase = TScriptCase;
 
 TEST(ScriptLanguage, Precedence) {
   const TCase cases[] = {
