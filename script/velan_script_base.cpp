@@ -161,6 +161,8 @@ void TVelanScriptBase::ExecuteBlock(const TTokenNode& block) {
 }
 
 void TVelanScriptBase::ExecuteStatement(const TTokenNode& statement) {
+  // Only separators (a lone ","): nothing the grouping could make a statement of.
+  if (statement.children.empty()) throw TScriptError(kGrammarError, statement);
   const TTokenNode& first = *statement.children[0];
   const bool rewritten = !first.children.empty();
   switch (first.kind) {

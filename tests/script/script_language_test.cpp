@@ -94,6 +94,7 @@ TEST(ScriptLanguage, ControlStructures) {
       {"else v = 1;", "|Unknown token to execute@0-3"},
       {"v = 1; else v = 2;", "v=1|Unknown token to execute@7-10"},
       {"+ 1;", "|Unknown token to execute@0-0"},
+      {"v = 1; , ;", "v=1|Internal VelanScript Grammar Error@7-7"},
       {"if (\"a\") v = 1;", "|Should be Numeric@3-7"},
       {"Echo(\"a\"); return 1; Echo(\"b\");", "a"},
   };
