@@ -151,9 +151,8 @@ private:
   // The target of an assignment or a postfix step: a variable, or a member
   // chain (whose last name is read: no object type takes assignments yet).
   TOperand TargetOf(const TItem& item, const TTokenNode& op) {
-    if (item.kind == kTokWord) return ValueOf(item);
-    if (item.kind == kTokDotWord) return ValueOf(item);
-    throw TStop{kSyntaxError, &op};
+    if (item.kind != kTokWord && item.kind != kTokDotWord) throw TStop{kSyntaxError, &op};
+    return ValueOf(item);
   }
 
   void Replace(std::vector<TItem>& items, size_t first, size_t count, TOperand value) {

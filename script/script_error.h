@@ -17,6 +17,7 @@ inline constexpr const char* kSyntaxErrorIn = "Syntax Error in ";
 inline constexpr const char* kUnknownSymbol = "Syntax Error: Unknown symbol: ";
 inline constexpr const char* kGrammarError = "Internal VelanScript Grammar Error";
 inline constexpr const char* kInternalError = "Internal VelanScript Error";
+inline constexpr const char* kUndefError = "Undef Error in TVelanScriptBase::Ejecuta";
 inline constexpr const char* kUnknownTokenToExecute = "Unknown token to execute";
 inline constexpr const char* kWrongDeclCount = "Wrong number of variables in call to declfunction";
 inline constexpr const char* kShouldBeNumeric = "Should be Numeric";

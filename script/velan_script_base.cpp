@@ -96,6 +96,10 @@ void TVelanScriptBase::Ejecuta() {
     ExecuteBlock(*m_root);
   } catch (const TReturnVelanScript&) {
   } catch (const TExitVelanScript&) {
+  } catch (const TScriptError&) {
+    throw;
+  } catch (const std::exception&) {  // the system's own failures (memory, file system)
+    throw TScriptError(kUndefError, *m_root);
   }
 }
 
