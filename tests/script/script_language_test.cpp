@@ -51,8 +51,9 @@ TEST(ScriptLanguage, Scanning) {
       {"v = 1.25;", "v=1.25"},
       {"v = 0x1f;", "v=31"},
       {"v = 0xA + 0;", "v=10"},
-      {"v = 'x\"y' + \"a\\tb\\\\c\\\"d\\q\\n\";", "v=x\"ya\tb\\c\"dq\n"},
-      {"// v = 1;\r\nv = 2; /* v = 3; */", "v=2"},
+      {"v = 'x\"y' + \"a\\tb\\\\c\\\"d\\q\\r\\n\";", "v=x\"ya\tb\\c\"dq\r\n"},
+      {"// v = 1;\r\nv\t= 2; /* v = 3; */", "v=2"},
+      {"// v = 1;\rv = 3;", "v=3"},
       {"/* open comment", ""},
       {"", ""},
       {"v = 12ab;", "|Syntax Error@4-7"},
@@ -132,6 +133,16 @@ TEST(ScriptLanguage, Errors) {
       {"5 = 1;", "|Syntax Error@2-2"},
       {"x = 5++;", "|Syntax Error@5-6"},
       {"a b;", "|Syntax Error in linea word a word b @0-2"},
+      // Every kind's printed text, in the tree as written.
+      {"a = 1; a += 1 a -= 1 a *= 1 a /= 1 a++ a-- 0 * 1 0 / 1 0 + 1 0 - 1 0 == 1 0 > 1 0 < 1 0 >= 1 "
+       "0 <= 1 0 != 1 0 << 1 0 >> 1 0 && 1 0 || 1 0 % 1 !0 \"s\" (1) [2] max(1, 2) { b; } "
+       "else while return function for if do;",
+       "|Syntax Error in linea word a += num 1 word a -= num 1 word a *= num 1 word a /= num 1 "
+       "word a ++ word a -- num 0 * num 1 num 0 / num 1 num 0 + num 1 num 0 - num 1 num 0 == num 1 "
+       "num 0 > num 1 num 0 < num 1 num 0 >= num 1 num 0 <= num 1 num 0 != num 1 num 0 tipo=30 "
+       "num 1 num 0 tipo=31 num 1 num 0 && num 1 num 0 || num 1 num 0 % num 1 ! num 0 \"string\" s "
+       "() num 1 [] num 2 word max function() item, num 1 item, num 2 {} linea word b else while "
+       "return function decl for if do @7-208"},
       {"a 2 << 1;", "|Syntax Error in linea word a num 2 tipo=30 num 1 @0-7"},
       {"x = ();", "|Syntax Error in () @4-5"},
       {"x = b.;", "|Syntax Error in linea word x = word b . @0-5"},
