@@ -85,7 +85,7 @@ public:
   TResolver(TResolvedExpression& out, TVelanScriptBase& script) : m_out(out), m_script(script) {}
 
   TOperand Resolve(const TTokenList& tokens, const TTokenNode& node) {
-    Emit({TOpCode::Hook, 0, {}, {}, 0, 0, 0, -1, 0, &node});
+    Emit(Op(TOpCode::Hook, &node));
     std::vector<TItem> items;
     items.reserve(tokens.size());
     for (const auto& token : tokens) items.push_back({token->kind, token.get(), {}, {}});
@@ -99,18 +99,27 @@ public:
       throw TStop{kSyntaxErrorIn + PrintTree(node), &node};
     const TOperand value = ValueOf(items[0]);
     if (value.kind != TOperand::TKind::Variable) return value;
-    return Emit({TOpCode::Load, 0, value, {}, 0, 0, 0, -1, 0, items[0].token});
+    return Emit(Op(TOpCode::Load, items[0].token, value));
   }
 
   void Raise(const TStop& stop) {
     m_out.names.push_back(stop.message);
-    Emit({TOpCode::Raise, 0, {}, {}, 0, 0, 0, -1, static_cast<uint32_t>(m_out.names.size() - 1),
-          stop.at});
+    TInstruction raise = Op(TOpCode::Raise, stop.at);
+    raise.name = static_cast<uint32_t>(m_out.names.size() - 1);
+    Emit(raise);
   }
 
 private:
   TResolvedExpression& m_out;
   TVelanScriptBase& m_script;
+
+  static TInstruction Op(TOpCode op, const TTokenNode* at, TOperand a = {}) {
+    TInstruction instruction;
+    instruction.op = op;
+    instruction.at = at;
+    instruction.a = a;
+    return instruction;
+  }
 
   TOperand Emit(TInstruction instruction) {
     instruction.dest = m_out.temps++;
@@ -143,8 +152,11 @@ private:
 
   TOperand ReadChain(TOperand receiver, const std::vector<uint32_t>& names, size_t count,
                      const TTokenNode* at) {
-    for (size_t i = 0; i < count; ++i)
-      receiver = Emit({TOpCode::Property, 0, receiver, {}, 0, 0, 0, -1, names[i], at});
+    for (size_t i = 0; i < count; ++i) {
+      TInstruction read = Op(TOpCode::Property, at, receiver);
+      read.name = names[i];
+      receiver = Emit(read);
+    }
     return receiver;
   }
 
@@ -171,7 +183,12 @@ private:
                     const std::vector<TOperand>& args, const TTokenNode* at) {
     const auto start = static_cast<uint32_t>(m_out.args.size());
     m_out.args.insert(m_out.args.end(), args.begin(), args.end());
-    return Emit({op, 0, receiver, {}, 0, start, static_cast<uint32_t>(args.size()), target, name, at});
+    TInstruction call = Op(op, at, receiver);
+    call.argStart = start;
+    call.argCount = static_cast<uint32_t>(args.size());
+    call.target = target;
+    call.name = name;
+    return Emit(call);
   }
 
   TOperand FreeCall(const TItem& word, const std::vector<TOperand>& args) {
@@ -247,7 +264,9 @@ private:
       if (items[i].kind != op) continue;
       if (i == 0) throw TStop{kSyntaxError, items[i].token};
       const TOperand target = TargetOf(items[i - 1], *items[i].token);
-      Replace(items, i - 1, 2, Emit({TOpCode::PostStep, op, target, {}, 0, 0, 0, -1, 0, items[i].token}));
+      TInstruction step = Op(TOpCode::PostStep, items[i].token, target);
+      step.tokenKind = op;
+      Replace(items, i - 1, 2, Emit(step));
       --i;
     }
   }
@@ -256,7 +275,7 @@ private:
     for (size_t i = 0; i + 1 < items.size(); ++i) {
       const TItem& next = items[i + 1];
       if (items[i].kind == kTokNot && IsValue(next.kind)) {
-        Replace(items, i, 2, Emit({TOpCode::Not, 0, ValueOf(next), {}, 0, 0, 0, -1, 0, items[i].token}));
+        Replace(items, i, 2, Emit(Op(TOpCode::Not, items[i].token, ValueOf(next))));
       } else if (items[i].kind == kTokMinus && IsNumberOrName(next.kind) &&
                  (i == 0 || !IsNumberOrName(items[i - 1].kind))) {
         Replace(items, i, 2, Negate(next, *items[i].token));
@@ -267,7 +286,7 @@ private:
   TOperand Negate(const TItem& operand, const TTokenNode& op) {
     if (operand.kind == kTokNum)  // a literal: folded, it cannot fail
       return Constant(TVarVelanScript(-NumberValue(operand.token->text)), &op);
-    return Emit({TOpCode::Negate, 0, ValueOf(operand), {}, 0, 0, 0, -1, 0, &op});
+    return Emit(Op(TOpCode::Negate, &op, ValueOf(operand)));
   }
 
   void BinaryOperators(std::vector<TItem>& items, int32_t op) {
@@ -278,7 +297,8 @@ private:
       if (op == kTokAssign && i + 1 < items.size() && items[i + 1].kind == kTokBlock)
         throw TStop{kBlockInAssign, items[i + 1].token};
       if (i + 1 >= items.size() || !IsValue(items[i + 1].kind)) throw TStop{kSyntaxError, &at};
-      TInstruction instruction{TOpCode::Binary, op, {}, {}, 0, 0, 0, -1, 0, &at};
+      TInstruction instruction = Op(TOpCode::Binary, &at);
+      instruction.tokenKind = op;
       if (IsAssignment(op)) {
         instruction.op = op == kTokAssign ? TOpCode::Assign : TOpCode::Compound;
         instruction.a = TargetOf(items[i - 1], at);

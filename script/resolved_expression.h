@@ -43,7 +43,7 @@ enum class TOpCode : uint8_t {
 };
 
 struct TInstruction {
-  TOpCode op;
+  TOpCode op = TOpCode::Hook;
   int32_t tokenKind = 0;  // operator of Binary, Compound and PostStep
   TOperand a, b;
   uint32_t dest = 0;      // temporary written
