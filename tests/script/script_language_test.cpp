@@ -59,6 +59,7 @@ TEST(ScriptLanguage, Scanning) {
       {"v = 0x1f;", "v=31"},
       {"v = 0xA + 0;", "v=10"},
       {"v = 'x\"y' + \"a\\tb\\\\c\\\"d\\q\\r\\n\";", "v=x\"ya\tb\\c\"dq\r\n"},
+      {"v = \"\\q\"", "v=q"},
       {"// v = 1;\r\nv\t= 2; /* v = 3; */", "v=2"},
       {"// v = 1;\rv = 3;", "v=3"},
       {"/* open comment", ""},
