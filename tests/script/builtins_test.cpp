@@ -30,7 +30,7 @@ TEST(ScriptBuiltins, FreeFunctions) {
       {"Echo();", "|Too few parametes in call to 'Echo' @0-3"},
       {"v = max(1, 2, 3);", "|Too few parametes in call to 'max' @4-6"},
   };
-  for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
+  for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << ::testing::PrintToString(c.script);
 }
 
 TEST(ScriptBuiltins, StringMethods) {
@@ -54,7 +54,7 @@ TEST(ScriptBuiltins, StringMethods) {
       {"v = \"a\".foo();", "|Unknown function 'foo'@4-6"},
       {"v = \"a\".Replace(1, \"b\");", "|Should be String!@4-6"},
   };
-  for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
+  for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << ::testing::PrintToString(c.script);
 }
 
 TEST(ScriptBuiltins, Files) {
@@ -71,7 +71,7 @@ TEST(ScriptBuiltins, Files) {
       {"CreateDirectory(\"" + d + "sub\"); v = DirectoryExists(\"" + d + "sub\");", "v=1"},
       {"CreateDirectory(\"" + d + "sub\");", "|Error creating folder@0-14"},
   };
-  for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
+  for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << ::testing::PrintToString(c.script);
 }
 
 }  // namespace
