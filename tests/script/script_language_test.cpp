@@ -180,5 +180,28 @@ TEST(ScriptLanguage, DebugHookSeesEveryEvaluatedNode) {
   EXPECT_EQ(script.GetVariable("x")->number, 0);
 }
 
+// The loaded tree by kind codes (the debugger's stable numbers), each node
+// followed by its children in brackets.
+void AppendCodes(const TTokenNode& node, std::string& out) {
+  out += std::to_string(node.kind);
+  if (node.children.empty()) return void(out += ' ');
+  out += '[';
+  for (const auto& child : node.children) AppendCodes(*child, out);
+  out += "] ";
+}
+
+TEST(ScriptLanguage, TreeOfEveryControlStructure) {
+  TVelanScriptBase script;
+  script.Load("function f(a, b) { return a; }; for (i = 0; i < 1; i++) { if (i) x = 1; else x = \"s\"; }; "
+              "while (0) { }; do { } while (0); f(1, 2)[0].n;");
+  std::string codes;
+  AppendCodes(*script.Root(), codes);
+  EXPECT_EQ(codes,
+            "39[42[47[40[42[1 25 2 ] 42[1 35 2 ] 42[1 23 ] ] 39[42[49[40[1 ] 39[42[1 25 2 ] ] "
+            "39[42[1 25 6 ] ] ] ] ] ] ] 42[48[40[2 ] 39 ] ] 42[51[39 40[2 ] ] ] "
+            "42[1 45[43[2 ] 43[2 ] ] 41[2 ] 12 1 ] "
+            "54[42[53[1 45[43[1 ] 43[1 ] ] 39[42[52[42[1 ] ] ] ] ] ] ] ] ");
+}
+
 }  // namespace
 }  // namespace velantis
