@@ -41,5 +41,6 @@ void AddNmeaCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode)
 void AddDetectCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddLiveCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 void AddOptimizeCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
+void AddScriptCommand(CLI::App& app, const TGlobalOptions& options, int& exitCode);
 
 }  // namespace velantis::cli

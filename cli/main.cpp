@@ -26,6 +26,7 @@ int main(int argc, char** argv) {
   AddDetectCommand(app, options, exitCode);
   AddLiveCommand(app, options, exitCode);
   AddOptimizeCommand(app, options, exitCode);
+  AddScriptCommand(app, options, exitCode);
   try {
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {

@@ -40,6 +40,11 @@ TEST(Commands, EveryCommandAndErrorPath) {
   std::ofstream(map, std::ios::binary) << kMap;
   const std::string flight = (dir / "flight.IGC").string(), flightTrack = (dir / "flight.trk").string();
   std::ofstream(flight, std::ios::binary) << kFlight;
+  const std::string script = (dir / "ok.vs").string(), failing = (dir / "failing.vs").string();
+  const std::string unloadable = (dir / "unloadable.vs").string();
+  std::ofstream(script) << "Echo(\"a\" + (1 - 2 + 3));";
+  std::ofstream(failing) << "Echo(\"before\\n\"); x = y;";
+  std::ofstream(unloadable) << "Echo(\"never\"); n = 12ab;";
   const struct {
     std::vector<std::string> args;
     std::string input;
@@ -102,6 +107,10 @@ TEST(Commands, EveryCommandAndErrorPath) {
       {{"convert", flight, (dir / "copy.igc").string()}, "", 0, "", ""},
       {{"convert", flight, flightTrack}, "", 0, "", ""},
       {{"convert", flightTrack, (dir / "back.igc").string()}, "", 0, "", ""},
+      {{"script", script}, "", 0, "a-4", ""},
+      {{"script", failing}, "", 1, "before\n", "velantis: Unknown variable 'y'\n"},
+      {{"script", unloadable}, "", 1, "", "velantis: Syntax Error\n"},
+      {{"script", "/no/such.vs"}, "", 1, "", "velantis: Error opening /no/such.vs\n"},
   };
   for (const auto& c : cases) {
     const TRunResult run = RunVelantis(c.args, c.input);

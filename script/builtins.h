@@ -1,0 +1,51 @@
+// The built-ins a script calls: one table per receiver kind, looked up by
+// exact, case-sensitive name when an expression is resolved. The caller
+// checks the argument count against the table before the call.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "script/token_node.h"
+#include "script/var_velan_script.h"
+
+namespace velantis {
+
+class TVelanScriptBase;
+
+struct TBuiltinCall {
+  TVelanScriptBase& script;
+  std::vector<TVarVelanScript>& args;
+  TVarVelanScript& result;
+  const TTokenNode& at;
+
+  double Number(size_t i) const;            // "Should be Numeric!"
+  const std::string& Text(size_t i) const;  // "Should be String!"
+};
+
+using TFreeFunction = void (*)(TBuiltinCall& call);
+using TStringMethod = void (*)(TBuiltinCall& call, std::string& receiver);
+
+struct TFreeBuiltin {
+  std::string_view name;
+  size_t argCount;
+  TFreeFunction function;
+};
+
+struct TStringBuiltin {
+  std::string_view name;
+  size_t argCount;
+  TStringMethod method;
+};
+
+// Indexes into the tables, -1 for a name not there.
+int FindFreeBuiltin(std::string_view name);
+const TFreeBuiltin& FreeBuiltin(int index);
+int FindStringMethod(std::string_view name);
+const TStringBuiltin& StringMethod(int index);
+
+inline constexpr const char* kTooFewParameters = "Too few parametes in call to '%s' ";
+inline constexpr const char* kUnknownFunction = "Unknown function '%s'";
+inline constexpr const char* kObjectShouldBeString = "Object should be a string";
+
+}  // namespace velantis

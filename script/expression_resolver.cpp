@@ -1,0 +1,333 @@
+// The reduction passes of an expression, run once: instead of computing
+// values they record the operation each reduction performs, in the order it
+// performs it (see resolved_expression.h).
+//
+// The passes, in their fixed order, which is the precedence:
+//   1 member access "a.b", indexing "a[i]" (a.Elem(i)) and calls;
+//   2 parenthesised groups;  3 postfix "++", then "--";  4 unary "!" and "-";
+//   5.. binary, one pass each: * / + - == > < >= <= != << >> += -= *= /= && || = %
+// so "+" binds before "-" (a-b+c is a-(b+c)) and "%" after "=".
+//
+// The unary "-" rule depends on whether the token before it is "a number or
+// an identifier". A token that an earlier pass reduced (the value of a call,
+// a group, a postfix step or a unary operator) counts as a number there and
+// as an operand, whatever value it has at run time; a member chain counts as
+// an identifier. So "f() -1" subtracts, and "-(x)" negates.
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "script/builtins.h"
+#include "script/resolved_expression.h"
+#include "script/script_error.h"
+#include "script/velan_script_base.h"
+
+namespace velantis {
+
+namespace {
+
+constexpr int32_t kReduced = -1;
+
+constexpr int32_t kBinaryPasses[] = {
+    kTokMul,       kTokDiv,       kTokPlus,      kTokMinus,     kTokEqual,
+    kTokGreater,   kTokLess,      kTokGreaterEqual, kTokLessEqual, kTokNotEqual,
+    kTokShiftLeft, kTokShiftRight, kTokAddAssign, kTokSubAssign, kTokMulAssign,
+    kTokDivAssign, kTokAnd,       kTokOr,        kTokAssign,    kTokMod,
+};
+
+struct TItem {
+  int32_t kind;
+  const TTokenNode* token;     // where the item starts, for errors
+  TOperand value;              // reduced: the value; dotword: the receiver
+  std::vector<uint32_t> names; // dotword: the names after the receiver
+};
+
+// An error found by a pass: the resolution stops there.
+struct TStop {
+  std::string message;
+  const TTokenNode* at;
+};
+
+bool IsValue(int32_t kind) {
+  return kind == kReduced || kind == kTokNum || kind == kTokString || kind == kTokWord ||
+         kind == kTokDotWord;
+}
+
+bool IsNumberOrName(int32_t kind) {
+  return kind == kReduced || kind == kTokNum || kind == kTokWord || kind == kTokDotWord;
+}
+
+bool IsAssignment(int32_t kind) {
+  return kind == kTokAssign || (kind >= kTokAddAssign && kind <= kTokDivAssign);
+}
+
+struct TArgument {
+  const TTokenList* tokens;
+  const TTokenNode* node;
+};
+
+// The items of a call's group: each comma-separated item, or the whole
+// contents as one argument.
+std::vector<TArgument> Arguments(const TTokenNode& group) {
+  std::vector<TArgument> args;
+  bool items = false;
+  for (const auto& child : group.children) items = items || child->kind == kTokItem;
+  if (items) {
+    for (const auto& child : group.children) args.push_back({&child->children, child.get()});
+  } else if (!group.children.empty()) {
+    args.push_back({&group.children, &group});
+  }
+  return args;
+}
+
+class TResolver {
+public:
+  TResolver(TResolvedExpression& out, TVelanScriptBase& script) : m_out(out), m_script(script) {}
+
+  TOperand Resolve(const TTokenList& tokens, const TTokenNode& node) {
+    Emit(Op(TOpCode::Hook, &node));
+    std::vector<TItem> items;
+    items.reserve(tokens.size());
+    for (const auto& token : tokens) items.push_back({token->kind, token.get(), {}, {}});
+    MemberAccessAndCalls(items, node);
+    Groups(items);
+    PostfixSteps(items, kTokIncrement);
+    PostfixSteps(items, kTokDecrement);
+    UnaryOperators(items);
+    for (const int32_t op : kBinaryPasses) BinaryOperators(items, op);
+    if (items.size() != 1 || !IsValue(items[0].kind))
+      throw TStop{kSyntaxErrorIn + PrintTree(node), &node};
+    const TOperand value = ValueOf(items[0]);
+    if (value.kind != TOperand::TKind::Variable) return value;
+    return Emit(Op(TOpCode::Load, items[0].token, value));
+  }
+
+  void Raise(const TStop& stop) {
+    m_out.names.push_back(stop.message);
+    TInstruction raise = Op(TOpCode::Raise, stop.at);
+    raise.name = static_cast<uint32_t>(m_out.names.size() - 1);
+    Emit(raise);
+  }
+
+private:
+  TResolvedExpression& m_out;
+  TVelanScriptBase& m_script;
+
+  static TInstruction Op(TOpCode op, const TTokenNode* at, TOperand a = {}) {
+    TInstruction instruction;
+    instruction.op = op;
+    instruction.at = at;
+    instruction.a = a;
+    return instruction;
+  }
+
+  TOperand Emit(TInstruction instruction) {
+    instruction.dest = m_out.temps++;
+    m_out.code.push_back(instruction);
+    return {TOperand::TKind::Temp, instruction.dest, instruction.at};
+  }
+
+  TOperand Constant(TVarVelanScript value, const TTokenNode* token) {
+    m_out.constants.push_back(std::move(value));
+    return {TOperand::TKind::Constant, static_cast<uint32_t>(m_out.constants.size() - 1), token};
+  }
+
+  uint32_t Name(const std::string& name) {
+    m_out.names.push_back(name);
+    return static_cast<uint32_t>(m_out.names.size() - 1);
+  }
+
+  // The operand an item stands for; a member chain is read here, at the
+  // operation that uses it.
+  TOperand ValueOf(const TItem& item) {
+    switch (item.kind) {
+      case kReduced: return item.value;
+      case kTokNum: return Constant(TVarVelanScript(NumberValue(item.token->text)), item.token);
+      case kTokString: return Constant(TVarVelanScript(item.token->text), item.token);
+      case kTokWord:
+        return {TOperand::TKind::Variable, m_script.SlotOf(item.token->text), item.token};
+      default: return ReadChain(item.value, item.names, item.names.size(), item.token);
+    }
+  }
+
+  TOperand ReadChain(TOperand receiver, const std::vector<uint32_t>& names, size_t count,
+                     const TTokenNode* at) {
+    for (size_t i = 0; i < count; ++i) {
+      TInstruction read = Op(TOpCode::Property, at, receiver);
+      read.name = names[i];
+      receiver = Emit(read);
+    }
+    return receiver;
+  }
+
+  // The target of an assignment or a postfix step: a variable, or a member
+  // chain (whose last name is read: no object type takes assignments yet).
+  TOperand TargetOf(const TItem& item, const TTokenNode& op) {
+    if (item.kind != kTokWord && item.kind != kTokDotWord) throw TStop{kSyntaxError, &op};
+    return ValueOf(item);
+  }
+
+  void Replace(std::vector<TItem>& items, size_t first, size_t count, TOperand value) {
+    items[first] = {kReduced, items[first].token, value, {}};
+    items.erase(items.begin() + static_cast<std::ptrdiff_t>(first) + 1,
+                items.begin() + static_cast<std::ptrdiff_t>(first + count));
+  }
+
+  std::vector<TOperand> ResolveArguments(const TTokenNode& group) {
+    std::vector<TOperand> values;
+    for (const TArgument& arg : Arguments(group)) values.push_back(Resolve(*arg.tokens, *arg.node));
+    return values;
+  }
+
+  TOperand EmitCall(TOpCode op, int32_t target, uint32_t name, TOperand receiver,
+                    const std::vector<TOperand>& args, const TTokenNode* at) {
+    const auto start = static_cast<uint32_t>(m_out.args.size());
+    m_out.args.insert(m_out.args.end(), args.begin(), args.end());
+    TInstruction call = Op(op, at, receiver);
+    call.argStart = start;
+    call.argCount = static_cast<uint32_t>(args.size());
+    call.target = target;
+    call.name = name;
+    return Emit(call);
+  }
+
+  TOperand FreeCall(const TItem& word, const std::vector<TOperand>& args) {
+    const std::string& name = word.token->text;
+    if (const int declared = m_script.FindDeclared(name); declared >= 0) {
+      if (m_script.Declared(declared).parameters.size() != args.size())
+        throw TStop{kWrongDeclCount, word.token};
+      return EmitCall(TOpCode::CallDeclared, declared, Name(name), {}, args, word.token);
+    }
+    const int builtin = FindFreeBuiltin(name);
+    if (builtin < 0) throw TStop{WithName(kUnknownFunction, name), word.token};
+    if (FreeBuiltin(builtin).argCount != args.size())
+      throw TStop{WithName(kTooFewParameters, name), word.token};
+    return EmitCall(TOpCode::CallFree, builtin, Name(name), {}, args, word.token);
+  }
+
+  TOperand MethodCall(const TItem& chain, const std::vector<TOperand>& args) {
+    const TOperand receiver = ReadChain(chain.value, chain.names, chain.names.size() - 1, chain.token);
+    const std::string& method = m_out.names[chain.names.back()];
+    return EmitCall(TOpCode::CallMethod, FindStringMethod(method), chain.names.back(), receiver,
+                    args, chain.token);
+  }
+
+  void JoinMember(std::vector<TItem>& items, size_t i, const TTokenNode& node) {
+    if (i == 0 || i + 1 >= items.size() || !IsValue(items[i - 1].kind) ||
+        items[i + 1].kind != kTokWord)
+      throw TStop{kSyntaxErrorIn + PrintTree(node), &node};
+    TItem& before = items[i - 1];
+    if (before.kind != kTokDotWord) before = {kTokDotWord, before.token, ValueOf(before), {}};
+    before.names.push_back(Name(items[i + 1].token->text));
+    items.erase(items.begin() + static_cast<std::ptrdiff_t>(i),
+                items.begin() + static_cast<std::ptrdiff_t>(i) + 2);
+  }
+
+  void ApplyCall(std::vector<TItem>& items, size_t i) {
+    const TTokenNode& group = *items[i].token;
+    if (i == 0) throw TStop{kSyntaxError, &group};
+    const TItem& before = items[i - 1];
+    if (before.kind != kTokWord && before.kind != kTokDotWord) throw TStop{kSyntaxError, &group};
+    const std::vector<TOperand> args = ResolveArguments(group);
+    Replace(items, i - 1, 2, before.kind == kTokWord ? FreeCall(before, args) : MethodCall(before, args));
+  }
+
+  void ApplyIndex(std::vector<TItem>& items, size_t i) {
+    const TOperand receiver = ValueOf(items[i - 1]);
+    const std::vector<TOperand> args = ResolveArguments(*items[i].token);
+    Replace(items, i - 1, 2,
+            EmitCall(TOpCode::CallMethod, FindStringMethod("Elem"), Name("Elem"), receiver, args,
+                     items[i].token));
+  }
+
+  void MemberAccessAndCalls(std::vector<TItem>& items, const TTokenNode& node) {
+    for (size_t i = 0; i < items.size(); ++i) {
+      switch (items[i].kind) {
+        case kTokDot: JoinMember(items, i--, node); break;
+        case kTokCall: ApplyCall(items, i--); break;
+        case kTokBracketGroup:
+          if (i > 0 && IsValue(items[i - 1].kind)) ApplyIndex(items, i--);
+          break;
+        default: break;
+      }
+    }
+  }
+
+  void Groups(std::vector<TItem>& items) {
+    for (TItem& item : items)
+      if (item.kind == kTokGroup)
+        item = {kReduced, item.token, Resolve(item.token->children, *item.token), {}};
+  }
+
+  void PostfixSteps(std::vector<TItem>& items, int32_t op) {
+    for (size_t i = 0; i < items.size(); ++i) {
+      if (items[i].kind != op) continue;
+      if (i == 0) throw TStop{kSyntaxError, items[i].token};
+      const TOperand target = TargetOf(items[i - 1], *items[i].token);
+      TInstruction step = Op(TOpCode::PostStep, items[i].token, target);
+      step.tokenKind = op;
+      Replace(items, i - 1, 2, Emit(step));
+      --i;
+    }
+  }
+
+  void UnaryOperators(std::vector<TItem>& items) {
+    for (size_t i = 0; i + 1 < items.size(); ++i) {
+      const TItem& next = items[i + 1];
+      if (items[i].kind == kTokNot && IsValue(next.kind)) {
+        Replace(items, i, 2, Emit(Op(TOpCode::Not, items[i].token, ValueOf(next))));
+      } else if (items[i].kind == kTokMinus && IsNumberOrName(next.kind) &&
+                 (i == 0 || !IsNumberOrName(items[i - 1].kind))) {
+        Replace(items, i, 2, Negate(next, *items[i].token));
+      }
+    }
+  }
+
+  TOperand Negate(const TItem& operand, const TTokenNode& op) {
+    if (operand.kind == kTokNum)  // a literal: folded, it cannot fail
+      return Constant(TVarVelanScript(-NumberValue(operand.token->text)), &op);
+    return Emit(Op(TOpCode::Negate, &op, ValueOf(operand)));
+  }
+
+  void BinaryOperators(std::vector<TItem>& items, int32_t op) {
+    for (size_t i = 0; i < items.size(); ++i) {
+      if (items[i].kind != op) continue;
+      const TTokenNode& at = *items[i].token;
+      if (i == 0 || !IsValue(items[i - 1].kind)) throw TStop{kSyntaxError, &at};
+      if (op == kTokAssign && i + 1 < items.size() && items[i + 1].kind == kTokBlock)
+        throw TStop{kBlockInAssign, items[i + 1].token};
+      if (i + 1 >= items.size() || !IsValue(items[i + 1].kind)) throw TStop{kSyntaxError, &at};
+      TInstruction instruction = Op(TOpCode::Binary, &at);
+      instruction.tokenKind = op;
+      if (IsAssignment(op)) {
+        instruction.op = op == kTokAssign ? TOpCode::Assign : TOpCode::Compound;
+        instruction.a = TargetOf(items[i - 1], at);
+      } else {
+        instruction.a = ValueOf(items[i - 1]);
+      }
+      instruction.b = ValueOf(items[i + 1]);
+      Replace(items, i - 1, 3, Emit(instruction));
+      --i;
+    }
+  }
+};
+
+}  // namespace
+
+double NumberValue(const std::string& text) {
+  if (text.size() >= 2 && text[1] == 'x') return std::strtod(("0x" + text.substr(2)).c_str(), nullptr);
+  return std::strtod(text.c_str(), nullptr);
+}
+
+TResolvedExpression ResolveExpression(const TTokenNode& expression, TVelanScriptBase& script) {
+  TResolvedExpression out;
+  TResolver resolver(out, script);
+  try {
+    out.result = resolver.Resolve(expression.children, expression);
+  } catch (const TStop& stop) {
+    resolver.Raise(stop);
+  }
+  return out;
+}
+
+}  // namespace velantis

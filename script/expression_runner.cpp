@@ -1,0 +1,164 @@
+// Runs a resolved expression: its operations in order, each writing its own
+// temporary in the interpreter's stack of temporaries.
+#include <vector>
+
+#include "script/builtins.h"
+#include "script/operators.h"
+#include "script/resolved_expression.h"
+#include "script/velan_script_base.h"
+
+namespace velantis {
+
+namespace {
+constexpr const char* kUnknownVariable = "Unknown variable '%s'";
+constexpr const char* kNoProperty = "This object has no '%s' property";
+}  // namespace
+
+class TExpressionRunner {
+public:
+  TExpressionRunner(TVelanScriptBase& script, const TResolvedExpression& expression)
+      : m_script(script), m_expression(expression), m_base(script.m_tempTop) {
+    const size_t top = m_base + expression.temps;
+    if (script.m_temps.size() < top) script.m_temps.resize(top);
+    script.m_tempTop = top;
+  }
+  ~TExpressionRunner() { m_script.m_tempTop = m_base; }
+  TExpressionRunner(const TExpressionRunner&) = delete;
+  TExpressionRunner& operator=(const TExpressionRunner&) = delete;
+
+  void Run(TVarVelanScript& out) {
+    for (const TInstruction& instruction : m_expression.code) Step(instruction);
+    out = Read(m_expression.result);
+  }
+
+private:
+  TVelanScriptBase& m_script;
+  const TResolvedExpression& m_expression;
+  size_t m_base;
+
+  TVarVelanScript& Temp(uint32_t index) { return m_script.m_temps[m_base + index]; }
+
+  TVelanScriptBase::TSlot& Variable(const TOperand& operand) {
+    TVelanScriptBase::TSlot& slot = m_script.m_slots[operand.index];
+    if (!slot.assigned) throw TScriptError(WithName(kUnknownVariable, slot.name), *operand.token);
+    return slot;
+  }
+
+  const TVarVelanScript& Read(const TOperand& operand) {
+    switch (operand.kind) {
+      case TOperand::TKind::Constant: return m_expression.constants[operand.index];
+      case TOperand::TKind::Temp: return Temp(operand.index);
+      case TOperand::TKind::Variable: return Variable(operand).value;
+      default: throw TScriptError(kInternalError, 0, 0);
+    }
+  }
+
+  // The slot an assignment writes; the resolver only makes variables targets
+  // (a member chain was read, and failed, before).
+  TVelanScriptBase::TSlot& Target(const TOperand& operand) {
+    if (operand.kind != TOperand::TKind::Variable) throw TScriptError(kInternalError, *operand.token);
+    return m_script.m_slots[operand.index];
+  }
+
+  std::vector<TVarVelanScript> Arguments(const TInstruction& instruction) {
+    std::vector<TVarVelanScript> values;
+    values.reserve(instruction.argCount);
+    for (uint32_t i = 0; i < instruction.argCount; ++i)
+      values.push_back(Read(m_expression.args[instruction.argStart + i]));
+    return values;
+  }
+
+  double Numeric(const TVarVelanScript& value, const char* message, const TTokenNode& at) {
+    if (!value.IsNumber()) throw TScriptError(message, at);
+    return value.number;
+  }
+
+  void Step(const TInstruction& in) {
+    switch (in.op) {
+      case TOpCode::Hook:
+        if (m_script.m_hook) m_script.m_hook(m_script.m_hookContext, *in.at);
+        return;
+      case TOpCode::Raise: throw TScriptError(m_expression.names[in.name], *in.at);
+      case TOpCode::Load: Temp(in.dest) = Read(in.a); return;
+      case TOpCode::Negate:
+        return Temp(in.dest).SetNumber(-Numeric(Read(in.a), kShouldBeNumeric, *in.at));
+      case TOpCode::Not:
+        return Temp(in.dest).SetNumber(Numeric(Read(in.a), kSyntaxError, *in.at) == 0 ? 1 : 0);
+      case TOpCode::Binary:
+        return ApplyOperator(in.tokenKind, Read(in.a), Read(in.b), Temp(in.dest), *in.at,
+                             m_script.m_limits.maxStringLength);
+      case TOpCode::Assign: return Assign(in);
+      case TOpCode::Compound: return Compound(in);
+      case TOpCode::PostStep: return PostStep(in);
+      case TOpCode::CallFree: return CallFree(in);
+      case TOpCode::CallMethod: return CallMethod(in);
+      case TOpCode::CallDeclared: return CallDeclared(in);
+      case TOpCode::Property:
+        Read(in.a);
+        throw TScriptError(WithName(kNoProperty, m_expression.names[in.name]), *in.at);
+    }
+  }
+
+  void Assign(const TInstruction& in) {
+    TVarVelanScript& result = Temp(in.dest);
+    result = Read(in.b);
+    TVelanScriptBase::TSlot& slot = Target(in.a);
+    slot.value = result;
+    slot.assigned = true;
+  }
+
+  void Compound(const TInstruction& in) {
+    TVarVelanScript& result = Temp(in.dest);
+    const TVarVelanScript& current = Variable(in.a).value;
+    ApplyOperator(CompoundBase(in.tokenKind), current, Read(in.b), result, *in.at,
+                  m_script.m_limits.maxStringLength);
+    Target(in.a).value = result;
+  }
+
+  // Postfix "++" and "--" yield the value before the step, as in C.
+  void PostStep(const TInstruction& in) {
+    TVarVelanScript& value = Variable(in.a).value;
+    const double before = Numeric(value, kShouldBeNumeric, *in.at);
+    value.SetNumber(in.tokenKind == kTokIncrement ? before + 1 : before - 1);
+    Temp(in.dest).SetNumber(before);
+  }
+
+  void CallFree(const TInstruction& in) {
+    std::vector<TVarVelanScript> args = Arguments(in);
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, args, result, *in.at};
+    FreeBuiltin(in.target).function(call);
+    Temp(in.dest) = std::move(result);
+  }
+
+  void CallMethod(const TInstruction& in) {
+    const std::string& name = m_expression.names[in.name];
+    TVarVelanScript constant;
+    TVarVelanScript* receiver = &constant;
+    if (in.a.kind == TOperand::TKind::Variable) receiver = &Variable(in.a).value;
+    else if (in.a.kind == TOperand::TKind::Temp) receiver = &Temp(in.a.index);
+    else constant = Read(in.a);
+    if (in.target < 0) throw TScriptError(WithName(kUnknownFunction, name), *in.at);
+    if (!receiver->IsString()) throw TScriptError(kObjectShouldBeString, *in.at);
+    std::vector<TVarVelanScript> args = Arguments(in);
+    if (args.size() != StringMethod(in.target).argCount)
+      throw TScriptError(WithName(kTooFewParameters, name), *in.at);
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, args, result, *in.at};
+    StringMethod(in.target).method(call, receiver->text);
+    Temp(in.dest) = std::move(result);
+  }
+
+  void CallDeclared(const TInstruction& in) {
+    std::vector<TVarVelanScript> args = Arguments(in);
+    TVarVelanScript result;
+    m_script.CallDeclared(in.target, args, result, *in.at);
+    Temp(in.dest) = std::move(result);
+  }
+};
+
+void TVelanScriptBase::Run(const TResolvedExpression& expression, TVarVelanScript& out) {
+  TExpressionRunner(*this, expression).Run(out);
+}
+
+}  // namespace velantis

@@ -1,0 +1,43 @@
+// A script value: a number (double; booleans are 1 and 0) or an 8-bit
+// string. References to application objects are not held yet.
+#pragma once
+
+#include <string>
+
+namespace velantis {
+
+struct TVarVelanScript {
+  enum class TKind : unsigned char { Number, String };
+
+  TKind kind = TKind::Number;
+  double number = 0;
+  std::string text;
+
+  TVarVelanScript() = default;
+  explicit TVarVelanScript(double n) : number(n) {}
+  explicit TVarVelanScript(std::string s) : kind(TKind::String), text(std::move(s)) {}
+
+  bool IsNumber() const { return kind == TKind::Number; }
+  bool IsString() const { return kind == TKind::String; }
+  void SetNumber(double n) {
+    kind = TKind::Number;
+    number = n;
+  }
+  void SetString(std::string s) {
+    kind = TKind::String;
+    text = std::move(s);
+  }
+  // The value as a string joins it: a string as it is, a number as
+  // NumberText writes it.
+  std::string AsText() const;
+};
+
+// Integral values below 2^53 without decimals ("3", "-4"), others in the
+// shortest form that reads back to the same double ("0.5", "1e+300").
+std::string NumberText(double value);
+
+// The number as a 64-bit integer for "%", "<<" and ">>": truncated, NaN is 0
+// and values beyond the range take its nearest end.
+long long ToInt64(double value);
+
+}  // namespace velantis
