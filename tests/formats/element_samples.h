@@ -29,6 +29,16 @@ std::string WrittenBytes(TElement& element, const TNativeOptions& options, const
   return FileBytes(path);
 }
 
+// OziExplorer waypoint and route files around the given records.
+inline std::string OziWaypoints(std::string_view records, std::string_view datum = "WGS 84") {
+  return "OziExplorer Waypoint File Version 1.1\r\n" + std::string(datum) + "\r\nReserved 2\r\ngarmin\r\n" +
+         std::string(records);
+}
+inline std::string OziRoute(std::string_view lines, std::string_view datum = "WGS 84") {
+  return "OziExplorer Route File Version 1.0\r\n" + std::string(datum) + "\r\nReserved 1\r\nReserved 2\r\n" +
+         std::string(lines);
+}
+
 // A waypoint with every field away from its default (times to whole
 // seconds, compact reals that print exactly, names and texts without the
 // characters the files drop). nonAscii puts accented letters in the texts.

@@ -59,26 +59,16 @@ TEST(FileDispatch, ExtensionsEachElementTakes) {
   EXPECT_EQ(error, "Unknown file format: mrk");
 }
 
-std::string OziWaypoints(std::string_view records, std::string_view datum = "WGS 84") {
-  return "OziExplorer Waypoint File Version 1.1\r\n" + std::string(datum) + "\r\nReserved 2\r\ngarmin\r\n" +
-         std::string(records);
-}
-std::string OziRoute(std::string_view lines, std::string_view datum = "WGS 84") {
-  return "OziExplorer Route File Version 1.0\r\n" + std::string(datum) + "\r\nReserved 1\r\nReserved 2\r\n" +
-         std::string(lines);
-}
+using test::OziRoute;
+using test::OziWaypoints;
 
 // Every reader by its extension: a refusal gives the system's text and
 // leaves the element as it was; a read counts one progress step per record
-// (waypoint, route point, track point), as the writers do.
+// (waypoint, route point, track point; an IGC line), as the writers do.
 TEST(FileDispatch, ReadersRefuseOrCountTheirRecords) {
   const std::string w = "W  A_____ 1.0\xC2\xBAN 1.0\xC2\xBA" "E 27-MAR-62 00:00:00 0.0 x\r\n";
-  const struct {
-    const char* file;
-    std::string bytes;
-    std::string error;  // "": the read succeeds
-    int records;
-  } cases[] = {
+  // The file, its bytes, the refusal ("": the read succeeds) and the records.
+  const std::tuple<const char*, std::string, std::string, int> cases[] = {
       {"a.wpt", "B  UTF-8\r\n" + w + "w  Flag\r\n" + w + "W  Wx_ 1.0\xC2\xBAN 1.0\xC2\xBA" "E\r\n", "Error in WPT file", 0},
       {"a.wpt", "G  Nowhere 1999\r\n", "Unknown datum: Nowhere 1999", 0},
       {"a.wpt", "U  9\r\n", "Unknown coordinate notation: 9", 0},
@@ -100,13 +90,14 @@ TEST(FileDispatch, ReadersRefuseOrCountTheirRecords) {
       {"a.rte", OziRoute("R,0,X\r\nW,0,1\r\n"), "Error in WPT file", 0},
       {"a.rte", OziRoute("R,0,X\r\n", "Tokyo"), "Unknown datum: Tokyo", 0},
       {"a.rte", OziRoute("R,0,X,,0\r\nW,0,1,1,A,1,2\r\n"), "", 2},
+      {"a.igc", "HFDTE160701\r\nB1000005107121N00249342WA0028000421\r\nLXXX\r\n", "", 3},  // one step a line
   };
   const auto dir = test::ScratchDir("dispatch-read");
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.bytes);
-    const auto path = dir / c.file;
+  for (const auto& [name, bytes, refusal, records] : cases) {
+    SCOPED_TRACE(bytes);
+    const auto path = dir / name;
     std::string error;
-    ASSERT_TRUE(WriteFileAtomic(path.string(), c.bytes, error));
+    ASSERT_TRUE(WriteFileAtomic(path.string(), bytes, error));
     TElementFile file;
     file.waypoints.Add(TBaliza());
     file.route.SetName("kept");
@@ -114,17 +105,17 @@ TEST(FileDispatch, ReadersRefuseOrCountTheirRecords) {
     TProgress progress;
     TNativeOptions options;
     options.progress = &progress;
-    EXPECT_EQ(OpenElementFile(path.string(), options, file, error), c.error.empty());
-    if (!c.error.empty()) {
-      EXPECT_EQ(error, c.error);
+    EXPECT_EQ(OpenElementFile(path.string(), options, file, error), refusal.empty());
+    if (!refusal.empty()) {
+      EXPECT_EQ(error, refusal);
       EXPECT_EQ(file.waypoints.Count(), 1u);
       EXPECT_EQ(file.route.Name(), "kept");
       EXPECT_EQ(file.track.Count(), 1u);
       EXPECT_FALSE(file.waypoints.FromOziExplorer());
       continue;
     }
-    EXPECT_EQ(progress.Total(), c.records);
-    EXPECT_EQ(progress.Steps(), c.records);
+    EXPECT_EQ(progress.Total(), records);
+    EXPECT_EQ(progress.Steps(), records);
     progress.Cancel();
     EXPECT_FALSE(OpenElementFile(path.string(), options, file, error));
     EXPECT_EQ(error, kCancelledError);

@@ -1,16 +1,19 @@
-// The native waypoint, route and track files: the exact lines, the edge
-// cases of names, altitudes and times, round trips in every notation, datum
-// and code page, routes with shape points, tracks read in pieces and
-// appended in place, saves that fail without touching the old file; and
-// Magellan "$PMG" route files through the route entry: a file GPSBabel
-// writes read as GPSBabel itself reads it back, and the sentence rules.
+// The native waypoint, route and track files and the number, date and field
+// forms they share: the exact lines, the edge cases of names, altitudes and
+// times, round trips in every notation, datum and code page, routes with
+// shape points, tracks read in pieces and appended in place; and Magellan
+// "$PMG" route files through the route entry: a file GPSBabel writes read as
+// GPSBabel itself reads it back, and the sentence rules.
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <regex>
 #include <tuple>
+#include <vector>
 
 #include "app/file_io.h"
 #include "formats/magellan_route_file.h"
@@ -58,15 +61,9 @@ TEST(WptFile, WritesTheDocumentedLines) {
 }
 
 TEST(WptFile, EdgeCasesOfTheWaypointLine) {
-  struct Case {
-    const char* name;
-    float altitude;
-    const char* expectedName;       // as written
-    const char* expectedAltitude;   // as written
-    const char* readName;           // as read back
-    bool altitudeKnown;
-  };
-  const Case cases[] = {
+  // Name and altitude; the name and altitude written; the name read back
+  // and whether the altitude is known.
+  const std::tuple<const char*, float, const char*, const char*, const char*, bool> cases[] = {
       {"A B", 10, "A_B___", "10.000000", "A B   ", true},
       {"AB", -999.5f, "AB____", "-999.500000", "AB    ", true},
       {"", -1000, "______", "-9999.000000", "      ", false},
@@ -74,23 +71,23 @@ TEST(WptFile, EdgeCasesOfTheWaypointLine) {
       {"a,b%c\r\n", 0, "abc___", "0.000000", "abc   ", true},
       {"a\tb", 0, "a_b___", "0.000000", "a b   ", true},
   };
-  for (const Case& c : cases) {
+  for (const auto& [name, altitude, writtenName, writtenAltitude, readName, altitudeKnown] : cases) {
     TWaypoints list;
     TBaliza b;
-    b.SetName(c.name);
-    b.SetAltitude(c.altitude);
+    b.SetName(name);
+    b.SetAltitude(altitude);
     list.Add(b);
     const std::string bytes = Written(list, Utf8Options());
-    const std::string expected = std::string("W  ") + c.expectedName + " 0.000000\xC2\xBAN 0.000000\xC2\xBA" "E " +
-                                 std::string(kNullDateText) + " " + c.expectedAltitude + " \r\n";
-    EXPECT_NE(bytes.find(expected), std::string::npos) << c.name << "\n" << bytes;
+    const std::string expected = std::string("W  ") + writtenName + " 0.000000\xC2\xBAN 0.000000\xC2\xBA" "E " +
+                                 std::string(kNullDateText) + " " + writtenAltitude + " \r\n";
+    EXPECT_NE(bytes.find(expected), std::string::npos) << name << "\n" << bytes;
     EXPECT_EQ(bytes.find("\r\nw "), std::string::npos) << "default extension values need no w line";
     TWaypoints back;
     std::string error;
     ASSERT_TRUE(ReadWpt(bytes, Utf8Options(), back, error)) << error;
     ASSERT_EQ(back.Count(), 1u);
-    EXPECT_EQ(back.Baliza(0).Name(), c.readName);
-    EXPECT_EQ(back.Baliza(0).HasAltitude(), c.altitudeKnown) << c.name;
+    EXPECT_EQ(back.Baliza(0).Name(), readName);
+    EXPECT_EQ(back.Baliza(0).HasAltitude(), altitudeKnown) << name;
     EXPECT_TRUE(back.Baliza(0).Time().IsNull());
   }
 }
@@ -480,6 +477,81 @@ TEST(MagellanRoute, SentenceRules) {
   EXPECT_FALSE(ReadRte(waypoints, TNativeOptions{}, read, error));
   EXPECT_EQ(error, kNoRteSections);
   EXPECT_EQ(read.Count(), 3u) << "a failed read leaves the route as it was";
+}
+
+TEST(NativeText, RealsPrintLikePrintf) {
+  std::mt19937_64 random(7);
+  std::uniform_real_distribution<double> value(-1e7, 1e7);
+  const double fixed[] = {0.0, -0.0, 0.5, 1.0000005, -9999.0, 123456789.125, 1e-7, 2.5e-6, 0.0000005};
+  auto check = [](double v, int precision) {
+    char expected[512];
+    std::snprintf(expected, sizeof expected, "%.*f", precision, v);
+    std::string text;
+    AppendReal(text, v, precision);
+    EXPECT_EQ(text, expected) << v;
+  };
+  for (const double v : fixed) check(v, 6);
+  for (int i = 0; i < 20000; ++i) check(value(random), i % 2 ? 6 : 3);
+}
+
+TEST(NativeText, DateTextsAndTheirWindow) {
+  struct Case {
+    TCalendarTime time;
+    const char* text;
+  };
+  const Case cases[] = {
+      {{2024, 6, 5, 13, 7, 0}, "05-JUN-24 13:07:00"},
+      {{1962, 3, 28, 0, 0, 0}, "28-MAR-62 00:00:00"},
+      {{2061, 12, 31, 23, 59, 59}, "31-DEC-61 23:59:59"},
+      {{1999, 1, 1, 0, 0, 0.4}, "01-JAN-99 00:00:00"},
+      {{2000, 2, 29, 23, 59, 59.6}, "01-MAR-00 00:00:00"},
+  };
+  for (const Case& c : cases) {
+    std::string text;
+    AppendDateTime(text, TDateTime::FromCalendar(c.time));
+    EXPECT_EQ(text, c.text);
+    TDateTime back;
+    ASSERT_TRUE(ParseDateTime(text.substr(0, 9), text.substr(10), back)) << text;
+    EXPECT_NEAR(back.Days(), TDateTime::FromCalendar(c.time).Days(), 0.6 / kSecondsPerDay) << text;
+  }
+  std::string null;
+  AppendDateTime(null, TDateTime());
+  EXPECT_EQ(null, kNullDateText);
+  TDateTime back = TDateTime::FromDays(1);
+  ASSERT_TRUE(ParseDateTime("27-mar-62", "00:00:00", back));
+  EXPECT_TRUE(back.IsNull());
+  ASSERT_TRUE(ParseDateTime("5-Jun-2024", "13:07:30.5", back));
+  EXPECT_EQ(back, TDateTime::FromCalendar(2024, 6, 5, 13, 7, 30.5));
+  std::string whole;
+  AppendDateTime(whole, TDateTime::FromDays(0.5), true);
+  EXPECT_EQ(whole, "30-DEC-1899 12:00:00");
+  for (const auto& [date, time] : {std::pair{"05-JUX-24", "13:07:00"}, {"05-JUN", "13:07:00"}, {"05-JUN-24", "13:07"},
+                                   {"AA-JUN-24", "13:07:00"}, {"31-FEB-24", "25:00:00"}})
+    EXPECT_FALSE(ParseDateTime(date, time, back)) << date << " " << time;
+}
+
+TEST(NativeText, FieldSplitting) {
+  std::string_view f[4];
+  const auto fields = [&f](size_t count) { return std::vector<std::string_view>(f, f + count); };
+  using TFields = std::vector<std::string_view>;
+  EXPECT_EQ(fields(SplitBlanks("  a \t b   c d e", f, 4)), (TFields{"a", "b", "c", "d e"}));
+  EXPECT_EQ(SplitBlanks(" \t ", f, 4), 0u);
+  EXPECT_EQ(fields(SplitAt("a,,b,c,d", ',', f, 4)), (TFields{"a", "", "b", "c,d"}));
+  EXPECT_EQ(fields(SplitAt("", ',', f, 4)), (TFields{""}));
+}
+
+TEST(NativeText, NumbersWholeOrNothing) {
+  double real = 1;
+  int whole = 1;
+  EXPECT_TRUE(ParseReal(" +12.5 ", real));
+  EXPECT_EQ(real, 12.5);
+  for (const char* bad : {"", "1.5x", "x", "1 2", "+"}) {
+    EXPECT_FALSE(ParseReal(bad, real)) << bad;
+    EXPECT_FALSE(ParseInt(bad, whole)) << bad;
+  }
+  EXPECT_FALSE(ParseInt("99999999999", whole));
+  EXPECT_TRUE(ParseInt("-42", whole));
+  EXPECT_EQ(whole, -42);
 }
 
 }  // namespace

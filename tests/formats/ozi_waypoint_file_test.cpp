@@ -19,14 +19,8 @@ namespace {
 constexpr double kDegreeTolerance = 1e-6;
 constexpr double kOneSecondInDays = 1 / kSecondsPerDay;
 
-std::string WaypointFile(std::string_view records, std::string_view datum = "WGS 84") {
-  return "OziExplorer Waypoint File Version 1.1\r\n" + std::string(datum) + "\r\nReserved 2\r\ngarmin\r\n" +
-         std::string(records);
-}
-
-std::string RouteFile(std::string_view lines) {
-  return "OziExplorer Route File Version 1.0\r\nWGS 84\r\nReserved 1\r\nReserved 2\r\n" + std::string(lines);
-}
+using test::OziRoute;
+using test::OziWaypoints;
 
 TWaypoints ReadWaypoints(std::string_view bytes, const TNativeOptions& options = {}) {
   TWaypoints list;
@@ -112,36 +106,30 @@ TEST(OziWaypoints, Samples) {
 }
 
 TEST(OziWaypoints, TextsColoursAndOptionalFields) {
-  struct Case {
-    const char* record;
-    const char* name;
-    const char* description;
-    uint32_t colour1, colour2;
-    double metres;  // NAN: none
-  };
   TNativeOptions options;
   options.defaults.colour1 = PackLabelColour(0x0000FF);
   options.defaults.colour2 = PackLabelColour(0x00FFFF);
   options.defaults.displayFlag3 = true;
+  // The record; name, description, colours and metres (NAN: none) read.
   // "\xD1" is the stored comma, "\xE9" an e acute and "\x80" the euro sign.
-  const Case cases[] = {
+  const std::tuple<const char*, const char*, const char*, uint32_t, uint32_t, double> cases[] = {
       {"1,Caf\xE9\xD1 bar,1,2,0,0,1,3,255,16711680,Ni\xD1 \x80,0,0,0,100", "Café, bar", "Ni, €", 0xFF0000, 0x0000FF,
        30.48},
       {"2 , PADDED , 1 , 2 , , 0 , 1 , 3 , 65280 , 0 , text , 0 , 0 , 0 , -777 ", "PADDED", "text", 0x00FF00, 0, NAN},
       {"3,SHORT,1,2", "SHORT", "", 0x0000FF, 0x00FFFF, NAN},
       {"4,NEG,1,2,0,0,1,3,,,,0,0,0,-1.5", "NEG", "", 0x0000FF, 0x00FFFF, -0.4572},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    const TWaypoints list = ReadWaypoints(WaypointFile("\r\n" + std::string(c.record) + "\r\n \r\n"), options);
+  for (const auto& [record, name, description, colour1, colour2, metres] : cases) {
+    SCOPED_TRACE(name);
+    const TWaypoints list = ReadWaypoints(OziWaypoints("\r\n" + std::string(record) + "\r\n \r\n"), options);
     ASSERT_EQ(list.Count(), 1u);  // blank lines skipped
     const TBaliza& b = list.Baliza(0);
     EXPECT_EQ(std::tuple(b.Name(), b.Description(), b.LabelColour1(), b.LabelColour2(), b.HasAltitude(),
                          b.Time().IsNull(), b.DisplayFlag3(), b.State() & kBalizaStateTransientBit, b.Latitude(),
                          b.Longitude()),
-              std::tuple(c.name, c.description, c.colour1, c.colour2, !std::isnan(c.metres), true, true, 0, 1.0, 2.0));
+              std::tuple(name, description, colour1, colour2, !std::isnan(metres), true, true, 0, 1.0, 2.0));
     if (b.HasAltitude()) {
-      EXPECT_NEAR(b.Altitude(), c.metres, 1e-4);
+      EXPECT_NEAR(b.Altitude(), metres, 1e-4);
     }
   }
 }
@@ -153,7 +141,7 @@ TEST(OziWaypoints, PositionsShiftFromTheFileDatum) {
   datums.Add(test::MakeDatum("European 1950", test::kInternationalA, test::kInternationalRf, -87, -98, -121));
   TNativeOptions options;
   options.datums = &datums;
-  const TWaypoints list = ReadWaypoints(WaypointFile("1,MADRID,40.416775,-3.703790\r\n", "European 1950"), options);
+  const TWaypoints list = ReadWaypoints(OziWaypoints("1,MADRID,40.416775,-3.703790\r\n", "European 1950"), options);
   ASSERT_EQ(list.Count(), 1u);
   TLonLat expected{-3.703790, 40.416775};
   std::string error;
@@ -194,27 +182,21 @@ TEST(OziRoute, FirstRouteAsGpsBabelDecodesIt) {
 }
 
 TEST(OziRoute, OnlyTheFirstRouteIsRead) {
-  struct Case {
-    const char* lines;
-    const char* name;
-    const char* description;
-    std::vector<std::string> points;
-  };
-  const Case cases[] = {
+  // The lines after the header, and the route read: name|description|points.
+  const std::pair<const char*, const char*> cases[] = {
       {"\r\nW,9,1,1,EARLY,1,2\r\nR,0,FIRST,About it,255\r\n\r\nW,0,1,7,A,1,2\r\n  \r\nW,0,2,8,B,3,4\r\n"
        "R,1,SECOND,,0\r\nW,1,1,9,C,5,6\r\n",
-       "FIRST", "About it", {"A", "B"}},
-      {"R,0,Ni\xD1o\r\n", "Ni,o", "", {}},
-      {"R , 3 , PADDED , text \r\nW, 3, 1, 1, P , 1 , 2\r\n", "PADDED", "text", {"P"}},
+       "FIRST|About it|A B "},
+      {"R,0,Ni\xD1o\r\n", "Ni,o||"},
+      {"R , 3 , PADDED , text \r\nW, 3, 1, 1, P , 1 , 2\r\n", "PADDED|text|P "},
   };
-  for (const Case& c : cases) {
+  for (const auto& [lines, expected] : cases) {
     TRuta route;
     std::string error;
-    ASSERT_TRUE(ReadOziRoute(RouteFile(c.lines), {}, route, error)) << error;
-    EXPECT_EQ(route.Name(), c.name);
-    EXPECT_EQ(route.Description(), c.description);
-    ASSERT_EQ(route.Count(), c.points.size()) << c.name;
-    for (size_t i = 0; i < c.points.size(); ++i) EXPECT_EQ(route.Point(i).baliza.Name(), c.points[i]);
+    ASSERT_TRUE(ReadOziRoute(OziRoute(lines), {}, route, error)) << error;
+    std::string read = route.Name() + "|" + route.Description() + "|";
+    for (size_t i = 0; i < route.Count(); ++i) read += route.Point(i).baliza.Name() + " ";
+    EXPECT_EQ(read, expected);
   }
 }
 
