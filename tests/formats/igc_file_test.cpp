@@ -11,6 +11,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/formats/element_samples.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -46,15 +47,9 @@ std::string Written(const TTrack& track) {
 
 // The fixes of the GPX track named name, each as "lat lon ele time".
 std::vector<std::string> GpxTrack(const std::string& gpx, const std::string& name) {
-  std::vector<std::string> fixes;
-  const size_t from = gpx.find("<name>" + name + "</name>");
-  if (from == std::string::npos) return fixes;
-  const std::string track = gpx.substr(from, gpx.find("</trk>", from) - from);
   static const std::regex kPoint(
       R"re(<trkpt lat="([-0-9.]+)" lon="([-0-9.]+)">\s*<ele>([-0-9.]+)</ele>\s*<time>([^<]+)</time>)re");
-  for (std::sregex_iterator it(track.begin(), track.end(), kPoint), end; it != end; ++it)
-    fixes.push_back((*it)[1].str() + " " + (*it)[2].str() + " " + (*it)[3].str() + " " + (*it)[4].str());
-  return fixes;
+  return test::GpxCaptures(gpx, "<name>" + name + "</name>", "</trk>", kPoint);
 }
 
 // Our fixes in GPX's form. GPSBabel's time is a day ahead from shiftFrom on
