@@ -6,7 +6,9 @@
 
 #include <filesystem>
 #include <random>
+#include <regex>
 #include <string>
+#include <vector>
 
 #include "core/ruta.h"
 #include "core/track.h"
@@ -27,6 +29,32 @@ std::string WrittenBytes(TElement& element, const TNativeOptions& options, const
   std::string error;
   EXPECT_TRUE(write(path.string(), element, options, error)) << error;
   return FileBytes(path);
+}
+
+// OziExplorer waypoint and route files around the given records.
+inline std::string OziWaypoints(std::string_view records, std::string_view datum = "WGS 84") {
+  return "OziExplorer Waypoint File Version 1.1\r\n" + std::string(datum) + "\r\nReserved 2\r\ngarmin\r\n" +
+         std::string(records);
+}
+inline std::string OziRoute(std::string_view lines, std::string_view datum = "WGS 84") {
+  return "OziExplorer Route File Version 1.0\r\n" + std::string(datum) + "\r\nReserved 1\r\nReserved 2\r\n" +
+         std::string(lines);
+}
+
+// The captures of point, joined by blanks, in the part of a GPX text from
+// the first from to the next to (GPSBabel's output, the outside reference).
+inline std::vector<std::string> GpxCaptures(const std::string& gpx, const std::string& from, const std::string& to,
+                                            const std::regex& point) {
+  std::vector<std::string> found;
+  const size_t start = gpx.find(from);
+  if (start == std::string::npos) return found;
+  const std::string part = gpx.substr(start, gpx.find(to, start) - start);
+  for (std::sregex_iterator it(part.begin(), part.end(), point), end; it != end; ++it) {
+    std::string text = (*it)[1].str();
+    for (size_t i = 2; i < it->size(); ++i) text += " " + (*it)[i].str();
+    found.push_back(text);
+  }
+  return found;
 }
 
 // A waypoint with every field away from its default (times to whole

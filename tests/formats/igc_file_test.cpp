@@ -11,6 +11,7 @@
 #include <tuple>
 #include <vector>
 
+#include "tests/formats/element_samples.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -46,15 +47,9 @@ std::string Written(const TTrack& track) {
 
 // The fixes of the GPX track named name, each as "lat lon ele time".
 std::vector<std::string> GpxTrack(const std::string& gpx, const std::string& name) {
-  std::vector<std::string> fixes;
-  const size_t from = gpx.find("<name>" + name + "</name>");
-  if (from == std::string::npos) return fixes;
-  const std::string track = gpx.substr(from, gpx.find("</trk>", from) - from);
   static const std::regex kPoint(
       R"re(<trkpt lat="([-0-9.]+)" lon="([-0-9.]+)">\s*<ele>([-0-9.]+)</ele>\s*<time>([^<]+)</time>)re");
-  for (std::sregex_iterator it(track.begin(), track.end(), kPoint), end; it != end; ++it)
-    fixes.push_back((*it)[1].str() + " " + (*it)[2].str() + " " + (*it)[3].str() + " " + (*it)[4].str());
-  return fixes;
+  return test::GpxCaptures(gpx, "<name>" + name + "</name>", "</trk>", kPoint);
 }
 
 // Our fixes in GPX's form. GPSBabel's time is a day ahead from shiftFrom on
@@ -156,12 +151,8 @@ std::string Fix(std::string_view hhmmss, std::string_view rest = kFixPosition) {
 }
 
 TEST(IgcFile, DatesMidnightAndBadRecords) {
-  const struct {
-    const char* why;
-    std::string text;
-    size_t bad;
-    const char* times;  // of the fixes read
-  } cases[] = {
+  // Why, the log, its bad records and the times of the fixes read.
+  const std::tuple<const char*, std::string, size_t, const char*> cases[] = {
       {"short date form", Lines({"AXXXABC", "HFDTE160701", Fix("160240")}), 0, "2001-07-16T16:02:40Z"},
       {"long date form with the flight number", Lines({"HFDTEDATE:260919,02", Fix("135959")}), 0,
        "2019-09-26T13:59:59Z"},
@@ -193,16 +184,16 @@ TEST(IgcFile, DatesMidnightAndBadRecords) {
        Lines({"HFDTE160701", "I023638FXA39", Fix("100000", std::string(kFixPosition) + "03507")}), 1,
        "2001-07-16T10:00:00Z"},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.why);
+  for (const auto& [why, text, expectedBad, expectedTimes] : cases) {
+    SCOPED_TRACE(why);
     TTrack track;
     size_t bad = 0;
-    ASSERT_TRUE(Read(c.text, track, bad));
-    EXPECT_EQ(bad, c.bad);
+    ASSERT_TRUE(Read(text, track, bad));
+    EXPECT_EQ(bad, expectedBad);
     std::string times;
     for (size_t i = 0; i < track.Count(); ++i) times += (times.empty() ? "" : " ") + Iso(track.Point(i).time);
-    EXPECT_EQ(times, c.times);
-    EXPECT_EQ(Written(track), c.text);
+    EXPECT_EQ(times, expectedTimes);
+    EXPECT_EQ(Written(track), text);
   }
 }
 
@@ -285,25 +276,22 @@ TEST(IgcFile, TheDateLineFollowsTheFirstPoint) {
   EXPECT_EQ(Written(track), Lines({"HFDTEDATE:180701,03", Fix("100001"), "LXXX note"}));
 }
 
-TEST(IgcFile, ProgressCountsLinesAndCancelStops) {
-  const std::string text = Lines({"HFDTE160701", Fix("100000"), Fix("100001"), "LXXX"});
-  TNativeOptions options;
-  TProgress progress;
-  options.progress = &progress;
+// A cancelled save leaves the old file (reads count lines: see FileDispatch).
+TEST(IgcFile, CancelledSaveLeavesTheOldFile) {
+  const std::string text = Lines({"HFDTE160701", Fix("100000"), "LXXX"});
   TTrack track;
-  std::string error;
-  ASSERT_TRUE(ReadIgc(text, options, track, error));
-  EXPECT_EQ(progress.Total(), 4);
-  EXPECT_EQ(progress.Steps(), 4);
-
+  size_t bad = 0;
+  ASSERT_TRUE(Read(text, track, bad));
   const auto file = test::ScratchDir("igc-cancel") / "old.igc";
+  std::string error;
   ASSERT_TRUE(WriteIgcFile(file.string(), track, TNativeOptions(), error)) << error;
+  TProgress progress;
   progress.Cancel();
-  TTrack other;
-  EXPECT_FALSE(ReadIgc(text, options, other, error));
-  EXPECT_EQ(error, kCancelledError);
+  TNativeOptions options;
+  options.progress = &progress;
   track.Anyade_Punt(track.Point(0));
   EXPECT_FALSE(WriteIgcFile(file.string(), track, options, error));
+  EXPECT_EQ(error, kCancelledError);
   EXPECT_EQ(test::FileBytes(file), text);
 }
 

@@ -1,16 +1,21 @@
-// OziExplorer ".map" files: the published samples, their exact round trips,
-// the forms of points the samples lack, the refusals, the projection names.
+// OziExplorer ".map" files and the system's own ".imp" calibration files:
+// the published samples, their exact round trips,
+// the forms of points the samples lack, the refusals, the projection names
+// and the system's own projection values.
 #include "maps/ozi_map_file.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 #include <tuple>
 
 #include "app/file_io.h"
+#include "app/log.h"
 #include "geodesy/projection_catalogue.h"
 #include "maps/imp_file.h"
+#include "maps/map_projection.h"
 #include "maps/ozi_projection.h"
 #include "tests/support/testdata.h"
 
@@ -39,6 +44,10 @@ protected:
     EXPECT_TRUE(OziMapText(map, text, error)) << error;
     return text;
   }
+  static bool ReadImp(const std::string& text, TMapCalibration& map, std::string& error,
+                      const std::string& folder = ".") {
+    return ReadImpText(text, folder, s_datums, map, error);
+  }
   static std::string ReadError(std::string_view text) {
     TMapCalibration map;
     std::string error;
@@ -50,6 +59,9 @@ protected:
   static inline TListaDatums s_datums{s_configured};
   static inline bool s_loaded = false;
 };
+
+// The system's own calibration file shares the datum list.
+class ImpFile : public OziMapFile {};
 
 // The file's lines without their CR LF.
 std::vector<std::string> Lines(const std::string& bytes) {
@@ -177,10 +189,12 @@ TEST_F(OziMapFile, FixedLinesMatchTheSampleFile) {
   const std::vector<std::string> written = Lines(text);
   EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), std::count(text.begin(), text.end(), '\r'));
   ASSERT_GE(written.size(), 50u);
-  for (size_t line : {0, 3, 5, 6, 7, 8}) EXPECT_EQ(written[line], original[line]);
-  // The empty point lines, then the markers and the MMPXY lines.
-  for (size_t line = 13; line < 39; ++line) EXPECT_EQ(written[line], original[line]);
-  for (size_t line = 40; line < 49; ++line) EXPECT_EQ(written[line], original[line]);
+  // All but the values: the title, image, datum, projection, the four
+  // calibration points and the setup line.
+  for (size_t line = 0; line < 49; ++line) {
+    if (line != 1 && line != 2 && line != 4 && (line < 9 || line > 12) && line != 39)
+      EXPECT_EQ(written[line], original[line]) << line;
+  }
 }
 
 // ---- Forms the samples lack ------------------------------------------------
@@ -302,6 +316,161 @@ TEST_F(OziMapFile, CalibrationsTheFormatCannotSayAreRefused) {
   EXPECT_TRUE(OziMapText(base, text, error)) << error;
 }
 
+// A calibration with every section and key set away from its default.
+TMapCalibration FullCalibration() {
+  TMapCalibration map;
+  map.projection.name = "Transversal Mercator";
+  map.projection.params = {39, 0, 1, 7500000, 0, 0, 0};
+  map.coordinates = TCoordinateMode::Utm;
+  map.datum = "Pulkovo 1942";
+  map.calibrationMode = kCalibrationModeProjective;
+  map.bitmap = "sheet.png";
+  map.bitmapWidth = 3809;
+  map.bitmapHeight = 4550;
+  int n = 0;
+  for (std::string TMapCalibration::*text :
+       {&TMapCalibration::projectionToView, &TMapCalibration::copyright, &TMapCalibration::maxZoomLevel,
+        &TMapCalibration::minZoomLevel, &TMapCalibration::mapScale, &TMapCalibration::reqVersion,
+        &TMapCalibration::name, &TMapCalibration::description, &TMapCalibration::bitsPerPixel,
+        &TMapCalibration::memoryUse, &TMapCalibration::remote, &TMapCalibration::vectorMap,
+        &TMapCalibration::scaleMpix, &TMapCalibration::transparentColor, &TMapCalibration::tolTransparentColor,
+        &TMapCalibration::reloadTime, &TMapCalibration::poiImages, &TMapCalibration::orientation,
+        &TMapCalibration::orientationRange}) {
+    map.*text = "value " + std::to_string(++n);
+  }
+  map.points = {{65, 66, "37U", 7312850.59538412, 6212735.20674023},
+                {3771, 66, "37U", 7328441.68714263, 6212086.07652761},
+                {3760.5, 4498.25, "37U", 7327703.75873312, 6193536.99125491},
+                {},
+                {37, 4499, "37U", 7312045.53037848, 6194187.63482614}};
+  map.offset = TPlanePoint{12.5, -3};
+  map.matrix = std::array<double, 6>{4.2, 0.001, -0.002, -4.2, 7312500.25, 6213000.5};
+  // The last corner is far beyond any image: eight decimals of a huge real
+  // still read back.
+  map.polygonBitmap = {{0, 0}, {3808, 0}, {3808, 4549}, {1e300, -4549}};
+  map.polygonCoords = {{36, 56}, {36.25, 56}, {36.25, 55.833333}};
+  map.bitmapData = std::vector<std::string>{"Format=PNG", "  Tiles=4"};
+  map.properties = {"Colour=red", "Alpha=0.5"};
+  map.contextMenu = {"Item1=Open"};
+  return map;
+}
+
+TEST_F(ImpFile, EverySectionReadsBackAndWritesTheSameBytes) {
+  TMapCalibration map = FullCalibration();
+  const std::string text = ImpText(map);
+  TMapCalibration read;
+  std::string error;
+  ASSERT_TRUE(ReadImp(text, read, error)) << error;
+  EXPECT_EQ(read, map);
+  EXPECT_EQ(ImpText(read), text);
+
+  // Only a multi-layer map, which needs no image of its own, saves as the
+  // main file.
+  const auto folder = test::ScratchDir("imp-hipermap");
+  EXPECT_FALSE(WriteHipermapFile(folder.string(), map, error));
+  EXPECT_EQ(error, kImpNotMultiLayer);
+  EXPECT_FALSE(std::filesystem::exists(folder / kHipermapFileName));
+  map.bitmap.clear();
+  map.hipermapLayers = {{"relief.imp", "14", "8", true}, {"roads.map", "", "", false}};
+  ASSERT_TRUE(ReadImp(ImpText(map), read, error)) << error;
+  EXPECT_EQ(read, map);
+  ASSERT_TRUE(WriteHipermapFile(folder.string(), map, error)) << error;
+  EXPECT_EQ(test::FileBytes(folder / kHipermapFileName), ImpText(map));
+}
+
+TEST_F(ImpFile, WritesTheDocumentedLines) {
+  TMapCalibration map;
+  map.bitmap = "a.png";
+  map.points.resize(1);
+  const std::string text = ImpText(map);
+  EXPECT_EQ(text.rfind("Velantis MAP File\r\n<Header>\r\nVersion=2\r\nVerVelantis=", 0), 0u);
+  for (const char* line :
+       {"\r\nProjection=1,Lat/Long,\r\n", "\r\nCoordinates=1\r\n",
+        "\r\nDatum=WGS 84\r\n", "\r\nBitmap=a.png\r\nBitmapWidth=-1\r\nBitmapHeight=-1\r\n",
+        "\r\n<Calibration>\r\nP0=-1.00000000,-1.00000000,A,200.00000000,0.00000000\r\n"
+        "</Calibration>\r\n"}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line;
+  }
+}
+
+TEST_F(ImpFile, RefusalsGiveTheSystemsTexts) {
+  const std::string head = "Velantis MAP File\r\n<Map>\r\nBitmap=a.png\r\n</Map>\r\n";
+  // The text, the error and the code of the warning logged on the way.
+  const std::tuple<std::string, std::string, int> cases[] = {
+      {"", std::string(kImpNotImp), 0},
+      {"Velantis MAP Fil\r\n", std::string(kImpNotImp), 0},
+      {"Velantis MAP File\r\n<Header>\r\nName=x\r\n</Header>\r\n", std::string(kImpNoImage),
+       kWarningEmptyMapName},
+      {"Velantis MAP File\r\n<Layers>\r\nFile=\r\n</Layers>\r\n", std::string(kImpNoImage),
+       kWarningEmptyLayerName},
+      {head + "<Calibration>\r\nP0=1,2,A,3\r\n</Calibration>\r\n", std::string(kImpBadPoint), 0},
+      {head + "<Calibration>\r\nP0=1,2,A,3,north\r\n</Calibration>\r\n", std::string(kImpBadPoint),
+       0},
+      {head + "<MainPolygonCoords>\r\nM0=36\r\n</MainPolygonCoords>\r\n",
+       std::string(kImpBadPolygonCoords), 0},
+      {head + "<BitmapData>\r\n</BitmapData>\r\n<BitmapData>\r\n</BitmapData>\r\n",
+       std::string(kImpBitmapDataNotOne), 0},
+      {head + "<HiperMapLayers>\r\n<HLayer>\r\nFile=relief.ecw\r\n</HLayer>\r\n</HiperMapLayers>\r\n",
+       std::string(kImpHipermapLayerError) + "relief.ecw" + std::string(kImpHipermapUnknownType) +
+           "ecw",
+       0},
+      {head + "<Layers>\r\nFile=missing.imp\r\n</Layers>\r\n",
+       std::string(kImpSubmapError) + "missing.imp", 0},
+  };
+  for (const auto& [text, expected, loggedCode] : cases) {
+    TLog::Instance().ClearEntries();
+    TMapCalibration map;
+    map.name = "untouched";
+    std::string error;
+    EXPECT_FALSE(ReadImp(text, map, error)) << text;
+    EXPECT_EQ(error, expected) << text;
+    EXPECT_EQ(map.name, "untouched");
+    const std::vector<TLogEntry> entries = TLog::Instance().Entries();
+    EXPECT_EQ(entries.empty() ? 0 : entries.back().code, loggedCode) << text;
+  }
+}
+
+TEST_F(ImpFile, MatrixRowsCountedUpwardsAreTurnedTopDown) {
+  // Image height 1000: F becomes F + 1000·E and E changes sign when E > 0.
+  const std::pair<const char*, std::array<double, 6>> cases[] = {
+      {"Matrix=2\t0\t0\t3\t100\t200", {2, 0, 0, -3, 100, 3200}},
+      {"Matrix=2 0.5 0.25 -3 100 200", {2, 0.5, 0.25, -3, 100, 200}},
+      {"Matrix=2 0 0 0 100 200", {2, 0, 0, 0, 100, 200}},
+  };
+  for (const auto& [line, expected] : cases) {
+    const std::string text = "Velantis MAP File\r\n<Map>\r\nBitmap=a.png\r\nBitmapHeight=1000\r\n"
+                             "</Map>\r\n<Calibration>\r\n" + std::string(line) +
+                             "\r\n</Calibration>\r\n";
+    TMapCalibration map;
+    std::string error;
+    ASSERT_TRUE(ReadImp(text, map, error)) << error;
+    ASSERT_TRUE(map.matrix.has_value());
+    EXPECT_EQ(*map.matrix, expected) << line;
+  }
+}
+
+TEST_F(ImpFile, SubMapsAreReadFromTheFilesFolder) {
+  const auto folder = test::ScratchDir("imp-submaps");
+  TMapCalibration sub;
+  sub.bitmap = "tile.png";
+  sub.points = {{0, 0, "A", 2, 42}, {100, 100, "A", 2.1, 41.9}};
+  std::string error;
+  ASSERT_TRUE(WriteImpFile((folder / "tile.imp").string(), sub, error)) << error;
+  std::ofstream((folder / "self.imp").string())
+      << "Velantis MAP File\r\n<Layers>\r\nFile=self.imp\r\n</Layers>\r\n";
+
+  TMapCalibration map;
+  ASSERT_TRUE(ReadImp("Velantis MAP File\n<Layers>\nFile=tile.imp\n</Layers>\n", map, error,
+                   folder.string()))
+      << error;
+  ASSERT_EQ(map.subMaps.size(), 1u);
+  EXPECT_EQ(map.subMaps[0], sub);
+
+  // A map that names itself ends at the depth limit instead of recursing.
+  EXPECT_FALSE(ReadImpFile((folder / "self.imp").string(), s_datums, map, error));
+  EXPECT_EQ(error, std::string(kImpSubmapError) + "self.imp");
+}
+
 // ---- The projection table --------------------------------------------------
 
 TEST(OziProjection, EveryRowNamesACatalogueKindAndReadsBothWays) {
@@ -315,31 +484,61 @@ TEST(OziProjection, EveryRowNamesACatalogueKindAndReadsBothWays) {
 }
 
 TEST(OziProjection, SetupFieldsAndTheirDefaults) {
-  struct Case {
-    const char* ozi;
-    const char* setup;
-    TProjectionParams expected;
-  };
-  const Case cases[] = {
+  const std::tuple<const char*, const char*, TProjectionParams> cases[] = {
       {"Transverse Mercator", "0.0,99,1.0,17500000,0.0", {99, 0, 1, 17500000}},
       {"Mercator", ",,,,,,,,,", {}},
       {"mercator", "45,x,,3", {0, 45, 1, 3}},
       {"Lambert Conformal Conic", "1,2,0.5,3,4,5,6,7,,", {2, 1, 0.5, 3, 4, 5, 6}},
       {"(BNG) British National Grid", "1,2,3,4,5,6,7", {}},
   };
-  for (const Case& c : cases) {
+  for (const auto& [ozi, setup, expected] : cases) {
     TMapProjection projection;
     std::string error;
-    ASSERT_TRUE(ReadOziProjection(c.ozi, c.setup, projection, error)) << error;
-    EXPECT_TRUE(projection == (TMapProjection{projection.name, c.expected, {}})) << c.setup;
+    ASSERT_TRUE(ReadOziProjection(ozi, setup, projection, error)) << error;
+    EXPECT_TRUE(projection == (TMapProjection{projection.name, expected, {}})) << setup;
     TMapProjection back;
-    ASSERT_TRUE(ReadOziProjection(c.ozi, OziProjectionSetupFields(projection), back, error));
+    ASSERT_TRUE(ReadOziProjection(ozi, OziProjectionSetupFields(projection), back, error));
     EXPECT_TRUE(back == projection) << OziProjectionSetupFields(projection);
   }
-  TMapProjection projection;
-  std::string error;
-  EXPECT_FALSE(ReadOziProjection("(WIV) Wagner IV", "", projection, error));
-  EXPECT_EQ(error, "Projection not supported: (WIV) Wagner IV");
+}
+
+TEST(MapProjection, ValuesReadInEitherFormAndWriteInTheFullOne) {
+  // The value and how it is written (nullptr: refused).
+  const std::pair<const char*, const char*> cases[] = {
+      {"1,Lat/Long,", "1,Lat/Long,"},
+      {"1,Lat/Long", "1,Lat/Long,"},
+      {"0,UTM,", "0,UTM,"},
+      {"0,UTM,31T,", "0,UTM,31T,"},
+      {"0,UTM,05M,", "0,UTM,05M,"},
+      {"-1,Transversal Mercator,39,0,0,7500000,1,", "-1,Transversal Mercator,39,0,0,7500000,1,"},
+      {"-1,Transveral Mercator,39,0,0,7500000,1,", "-1,Transversal Mercator,39,0,0,7500000,1,"},
+      {"-1,Transversal Mercator", "-1,Transversal Mercator,0,0,0,0,1,"},
+      // The name form: a name of project.dat, or a catalogue name whose code
+      // does not match.
+      {"2,British National Grid", "-1,British National Grid,"},
+      {"5,UTM,,", "0,UTM,"},
+      // A zone without its band letter would not write back as it read; a
+      // full form that does not read is not a name.
+      {"0,UTM,31 ,X", nullptr},
+      {"7,Transversal Mercator,39,0,0,7500000,1,", nullptr},
+      {"Lat/Long", nullptr},
+      {"", nullptr},
+  };
+  for (const auto& [value, expected] : cases) {
+    TMapProjection projection;
+    std::string error;
+    const bool read = ParseMapProjection(value, projection, error);
+    EXPECT_EQ(read, expected != nullptr) << value;
+    if (!read) {
+      EXPECT_EQ(error, std::string("Unknown projection: ") + value);
+      continue;
+    }
+    const std::string written = FormatMapProjection(projection);
+    EXPECT_EQ(written, expected) << value;
+    TMapProjection again;
+    ASSERT_TRUE(ParseMapProjection(written, again, error)) << written;
+    EXPECT_EQ(again, projection) << written;
+  }
 }
 
 }  // namespace
