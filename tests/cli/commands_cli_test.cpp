@@ -34,11 +34,11 @@ constexpr const char* kFlight =
 
 TEST(Commands, EveryCommandAndErrorPath) {
   const auto dir = ScratchDir("cli-commands");
-  const std::string track = (dir / "equator.trk").string(), map = (dir / "square.imp").string();
-  const std::string ed50 = (dir / "ed50.trk").string();
+  const auto path = [&dir](const char* name) { return (dir / name).string(); };
+  const std::string track = path("equator.trk"), map = path("square.imp"), ed50 = path("ed50.trk");
+  const std::string flight = path("flight.IGC"), flightTrack = path("flight.trk");
   std::ofstream(track, std::ios::binary) << kTrack;
   std::ofstream(map, std::ios::binary) << kMap;
-  const std::string flight = (dir / "flight.IGC").string(), flightTrack = (dir / "flight.trk").string();
   std::ofstream(flight, std::ios::binary) << kFlight;
   const struct {
     std::vector<std::string> args;
@@ -85,22 +85,21 @@ TEST(Commands, EveryCommandAndErrorPath) {
       {{"info", "--json", track}, "", 0, "{\"kind\":\"track\",\"name\":\"Equator\",\"count\":3,\"segments\":2,"
        "\"datum\":\"WGS 84\",\"notation\":0,\"bounds\":[-1.000000000,10.000000000,0.000000000,11.000000000],"
        "\"start\":\"2024-06-05T09:30:00Z\",\"end\":\"2024-06-05T11:00:00Z\",\"distance_m\":111319.491}\n", ""},
-      {{"info", (dir / "x.doc").string()}, "", 1, "", "velantis: Unknown file format: doc\n"},
+      {{"info", path("x.doc")}, "", 1, "", "velantis: Unknown file format: doc\n"},
       {{"convert", track, ed50, "--datum", "European 1950", "--notation", "1"}, "", 0, "", ""},
       {{"info", ed50}, "", 0, "kind: track\nname: Equator\ncount: 3\nsegments: 2\ndatum: European 1950\n"
        "notation: 1\n...", ""},
-      {{"convert", track, (dir / "x.wpt").string()}, "", 1, "", "velantis: Unknown file format: wpt\n"},
-      {{"convert", (dir / "none.trk").string(), ed50}, "", 1, "",
-       "velantis: Error opening " + (dir / "none.trk").string() + "\n"},
+      {{"convert", track, path("x.wpt")}, "", 1, "", "velantis: Unknown file format: wpt\n"},
+      {{"convert", path("none.trk"), ed50}, "", 1, "", "velantis: Error opening " + path("none.trk") + "\n"},
       {{"convert", track, ed50, "--notation", "4"}, "", 2, "", "*"},
       {{"info", flight}, "", 0, "kind: track\nname: \ncount: 2\nsegments: 1\nbad_records: 1\ndatum: WGS 84\n"
        "notation: 0\nbounds: 0.000000000 10.000000000 0.000000000 11.000000000\n"
        "start: 2024-06-05T10:00:00Z\nend: 2024-06-05T11:00:00Z\ndistance_m: 111319.491\n", ""},
       {{"info", "--json", flight}, "", 0, "{\"kind\":\"track\",\"name\":\"\",\"count\":2,\"segments\":1,"
        "\"bad_records\":1,\"datum\"...", ""},
-      {{"convert", flight, (dir / "copy.igc").string()}, "", 0, "", ""},
+      {{"convert", flight, path("copy.igc")}, "", 0, "", ""},
       {{"convert", flight, flightTrack}, "", 0, "", ""},
-      {{"convert", flightTrack, (dir / "back.igc").string()}, "", 0, "", ""},
+      {{"convert", flightTrack, path("back.igc")}, "", 0, "", ""},
   };
   for (const auto& c : cases) {
     const TRunResult run = RunVelantis(c.args, c.input);
@@ -117,7 +116,7 @@ TEST(Commands, EveryCommandAndErrorPath) {
             "B1100000000000N01100000EA0010000120\r\n");
   // Real OziExplorer waypoints become a native file, which saves over itself.
   VELANTIS_TESTDATA_OR_SKIP(ozi, "ozi/ozi1.wpt");
-  const std::string native = (dir / "native.wpt").string();
+  const std::string native = path("native.wpt");
   ASSERT_EQ(RunVelantis({"convert", ozi.string(), native}).exitCode, 0);
   const TRunResult info = RunVelantis({"info", "--json", native});
   EXPECT_EQ(info.out.rfind("{\"kind\":\"waypoints\",\"name\":\"\",\"count\":11,\"datum\":\"WGS 84\",", 0), 0u)
