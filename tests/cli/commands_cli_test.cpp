@@ -2,10 +2,10 @@
 // error path, and the coordinate forms against PROJ and published points.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
-#include <sstream>
 
 #include "tests/cli/run_velantis.h"
 #include "tests/support/proj_reference.h"
@@ -34,14 +34,13 @@ constexpr const char* kFlight =
 
 TEST(Commands, EveryCommandAndErrorPath) {
   const auto dir = ScratchDir("cli-commands");
-  const std::string track = (dir / "equator.trk").string(), map = (dir / "square.imp").string();
-  const std::string ed50 = (dir / "ed50.trk").string();
+  const auto path = [&dir](const char* name) { return (dir / name).string(); };
+  const std::string track = path("equator.trk"), map = path("square.imp"), ed50 = path("ed50.trk");
+  const std::string flight = path("flight.IGC"), flightTrack = path("flight.trk");
   std::ofstream(track, std::ios::binary) << kTrack;
   std::ofstream(map, std::ios::binary) << kMap;
-  const std::string flight = (dir / "flight.IGC").string(), flightTrack = (dir / "flight.trk").string();
   std::ofstream(flight, std::ios::binary) << kFlight;
-  const std::string script = (dir / "ok.vs").string(), failing = (dir / "failing.vs").string();
-  const std::string unloadable = (dir / "unloadable.vs").string();
+  const std::string script = path("ok.vs"), failing = path("failing.vs"), unloadable = path("unloadable.vs");
   std::ofstream(script) << "Echo(\"a\" + (1 - 2 + 3));";
   std::ofstream(failing) << "Echo(\"before\\n\"); x = y;";
   std::ofstream(unloadable) << "Echo(\"never\"); n = 12ab;";
@@ -56,7 +55,6 @@ TEST(Commands, EveryCommandAndErrorPath) {
        "\"inv_f\":298.257223563,\"dx\":0,\"dy\":0,\"dz\":0,\"grid\":null},\n{\"index\":1,...", ""},
       {{"datums", "--data-dir", "/nonexistent"}, "", 1, "",
        "velantis: Error reading file DATUMSB.DAT Error opening /nonexistent/datumsb.dat\n"},
-      {{"datums", "--jsn"}, "", 2, "", "*"},
       {{"coord", "--from", "geo:WGS 84", "--to", "geo:WGS84"}, "41.5 2.25\nnot a coordinate\n-33.9 -70.7\n", 0,
        "41.500000000 2.250000000\nerror: Bad coordinate: not a coordinate (LAT LON in degrees expected)\n"
        "-33.900000000 -70.700000000\n", ""},
@@ -91,22 +89,21 @@ TEST(Commands, EveryCommandAndErrorPath) {
       {{"info", "--json", track}, "", 0, "{\"kind\":\"track\",\"name\":\"Equator\",\"count\":3,\"segments\":2,"
        "\"datum\":\"WGS 84\",\"notation\":0,\"bounds\":[-1.000000000,10.000000000,0.000000000,11.000000000],"
        "\"start\":\"2024-06-05T09:30:00Z\",\"end\":\"2024-06-05T11:00:00Z\",\"distance_m\":111319.491}\n", ""},
-      {{"info", (dir / "x.doc").string()}, "", 1, "", "velantis: Unknown file format: doc\n"},
+      {{"info", path("x.doc")}, "", 1, "", "velantis: Unknown file format: doc\n"},
       {{"convert", track, ed50, "--datum", "European 1950", "--notation", "1"}, "", 0, "", ""},
       {{"info", ed50}, "", 0, "kind: track\nname: Equator\ncount: 3\nsegments: 2\ndatum: European 1950\n"
        "notation: 1\n...", ""},
-      {{"convert", track, (dir / "x.wpt").string()}, "", 1, "", "velantis: Unknown file format: wpt\n"},
-      {{"convert", (dir / "none.trk").string(), ed50}, "", 1, "",
-       "velantis: Error opening " + (dir / "none.trk").string() + "\n"},
+      {{"convert", track, path("x.wpt")}, "", 1, "", "velantis: Unknown file format: wpt\n"},
+      {{"convert", path("none.trk"), ed50}, "", 1, "", "velantis: Error opening " + path("none.trk") + "\n"},
       {{"convert", track, ed50, "--notation", "4"}, "", 2, "", "*"},
       {{"info", flight}, "", 0, "kind: track\nname: \ncount: 2\nsegments: 1\nbad_records: 1\ndatum: WGS 84\n"
        "notation: 0\nbounds: 0.000000000 10.000000000 0.000000000 11.000000000\n"
        "start: 2024-06-05T10:00:00Z\nend: 2024-06-05T11:00:00Z\ndistance_m: 111319.491\n", ""},
       {{"info", "--json", flight}, "", 0, "{\"kind\":\"track\",\"name\":\"\",\"count\":2,\"segments\":1,"
        "\"bad_records\":1,\"datum\"...", ""},
-      {{"convert", flight, (dir / "copy.igc").string()}, "", 0, "", ""},
+      {{"convert", flight, path("copy.igc")}, "", 0, "", ""},
       {{"convert", flight, flightTrack}, "", 0, "", ""},
-      {{"convert", flightTrack, (dir / "back.igc").string()}, "", 0, "", ""},
+      {{"convert", flightTrack, path("back.igc")}, "", 0, "", ""},
       {{"script", script}, "", 0, "a-4", ""},
       {{"script", failing}, "", 1, "before\n", "velantis: Unknown variable 'y'\n"},
       {{"script", unloadable}, "", 1, "", "velantis: Syntax Error\n"},
@@ -114,16 +111,10 @@ TEST(Commands, EveryCommandAndErrorPath) {
   };
   for (const auto& c : cases) {
     const TRunResult run = RunVelantis(c.args, c.input);
-    std::string command;
-    for (const std::string& arg : c.args) command += arg + " ";
-    SCOPED_TRACE(command + "\n" + run.out + run.err);
-    EXPECT_EQ(run.exitCode, c.exitCode);
-    if (c.out.ends_with("...")) {
-      EXPECT_EQ(run.out.rfind(c.out.substr(0, c.out.size() - 3), 0), 0u);
-    } else {
-      EXPECT_EQ(run.out, c.out);
-    }
-    EXPECT_EQ(c.err == "*" ? run.err.substr(0, 10) : run.err, c.err == "*" ? "velantis: " : c.err);
+    SCOPED_TRACE(testing::PrintToString(c.args) + "\n" + run.out + run.err);
+    const std::string out = c.out.ends_with("...") ? run.out.substr(0, c.out.size() - 3) + "..." : run.out;
+    const std::string err = c.err == "*" && run.err.starts_with("velantis: ") ? "*" : run.err;
+    EXPECT_EQ(std::tie(run.exitCode, out, err), std::tie(c.exitCode, c.out, c.err));
   }
   // A flight log copied to a flight log keeps its bytes; through a track file
   // it keeps its fixes and gets our own header.
@@ -131,29 +122,18 @@ TEST(Commands, EveryCommandAndErrorPath) {
   EXPECT_EQ(FileBytes(dir / "back.igc"),
             "AXVLVelantis\r\nHFDTEDATE:050624,01\r\nB1000000000000N01000000EA0010000120\r\n"
             "B1100000000000N01100000EA0010000120\r\n");
-}
-
-TEST(Commands, OziExplorerWaypointsBecomeNative) {
-  VELANTIS_TESTDATA_OR_SKIP(file, "ozi/ozi1.wpt");
-  const std::string out = (ScratchDir("cli-convert-ozi") / "native.wpt").string();
-  ASSERT_EQ(RunVelantis({"convert", file.string(), out}).exitCode, 0);
-  const TRunResult info = RunVelantis({"info", "--json", out});
+  // Real OziExplorer waypoints become a native file, which saves over itself.
+  VELANTIS_TESTDATA_OR_SKIP(ozi, "ozi/ozi1.wpt");
+  const std::string native = path("native.wpt");
+  ASSERT_EQ(RunVelantis({"convert", ozi.string(), native}).exitCode, 0);
+  const TRunResult info = RunVelantis({"info", "--json", native});
   EXPECT_EQ(info.out.rfind("{\"kind\":\"waypoints\",\"name\":\"\",\"count\":11,\"datum\":\"WGS 84\",", 0), 0u)
       << info.out;
-  EXPECT_EQ(RunVelantis({"convert", out, out}).exitCode, 0) << "a native copy saves over itself";
-}
-
-// The first two values of the only output line.
-std::pair<double, double> Values(const TRunResult& run) {
-  std::istringstream in(run.out);
-  std::pair<double, double> values{NAN, NAN};
-  EXPECT_TRUE(in >> values.first >> values.second) << run.out << run.err;
-  return values;
+  EXPECT_EQ(RunVelantis({"convert", native, native}).exitCode, 0);
 }
 
 TEST(Commands, CoordinateFormsAgreeWithProjAndPublishedPoints) {
-  const auto dir = ScratchDir("coord-proj-file");
-  const std::string prj = (dir / "gk3.prj").string();
+  const std::string prj = (ScratchDir("coord-proj-file") / "gk3.prj").string();
   std::ofstream(prj, std::ios::binary)
       << "VERSION=1\r\nNAME=Gauss-Kruger zone 3\r\nPROJECTION=Transversal Mercator\r\nLON_ORIGIN=9\r\n"
          "LAT_ORIGIN=0\r\nSCALE_FACTOR=1\r\nFE=3500000\r\nFN=0\r\nPREFERED_DATUM=Potsdam Rauenberg DHDN\r\n";
@@ -170,8 +150,7 @@ TEST(Commands, CoordinateFormsAgreeWithProjAndPublishedPoints) {
     double x, y, tolerance;  // the published point when proj is empty
   } cases[] = {
       {"geo:Europeo 1979", "geo:WGS 84", "0.0001 10", molodensky, 10, 0.0001, 2e-9},
-      {"geo:DHDN", "proj:" + prj, "50.1 8.7", "+proj=tmerc +lon_0=9 +k=1 +x_0=3500000 +ellps=bessel", 8.7, 50.1,
-       0.002},
+      {"geo:DHDN", "proj:" + prj, "50.1 8.7", "+proj=tmerc +lon_0=9 +k=1 +x_0=3500000 +ellps=bessel", 8.7, 50.1, 0.002},
       // Ordnance Survey's worked example (Caister water tower), OSGB36, by
       // the short and the catalogue name; the Swiss grid's origin at Bern.
       {"geo:Ord Srvy Grt Britn", "bng", "52.657570306 1.717921583", "", 651409.903, 313177.270, 0.002},
@@ -181,21 +160,19 @@ TEST(Commands, CoordinateFormsAgreeWithProjAndPublishedPoints) {
   for (const auto& c : cases) {
     const TRunResult run = RunVelantis({"coord", "--from", c.from, "--to", c.to}, c.values + "\n");
     ASSERT_EQ(run.exitCode, 0) << run.err;
-    auto [x, y] = Values(run);
-    double refX = c.x, refY = c.y;
+    double x = NAN, y = NAN, lat = NAN, lon = NAN, refX = c.x, refY = c.y;
+    ASSERT_EQ(std::sscanf(run.out.c_str(), "%lf %lf", &x, &y), 2) << run.out;
     if (c.proj.starts_with("+proj=molodensky")) {
       ASSERT_TRUE(TProjReference(c.proj).Apply(refX, refY));
       std::swap(x, y);  // the output is LAT LON
-      EXPECT_EQ(run.out.find('.'), run.out.find(' ') - 10) << "nine decimals: " << run.out;
     } else if (!c.proj.empty()) {
       ASSERT_TRUE(TProjReference(c.proj).Forward(c.x, c.y, refX, refY));
       // Back within the 1 mm printed precision (about 1e-8 degrees).
-      const auto [lat, lon] = Values(RunVelantis({"coord", "--from", c.to, "--to", c.from}, run.out));
-      EXPECT_NEAR(lat, c.y, 1e-8);
-      EXPECT_NEAR(lon, c.x, 1e-8);
+      const std::string back = RunVelantis({"coord", "--from", c.to, "--to", c.from}, run.out).out;
+      ASSERT_EQ(std::sscanf(back.c_str(), "%lf %lf", &lat, &lon), 2) << back;
+      EXPECT_LE(std::max(std::fabs(lat - c.y), std::fabs(lon - c.x)), 1e-8) << back;
     }
-    EXPECT_NEAR(x, refX, c.tolerance) << c.to;
-    EXPECT_NEAR(y, refY, c.tolerance) << c.to;
+    EXPECT_LE(std::max(std::fabs(x - refX), std::fabs(y - refY)), c.tolerance) << c.to << ": " << run.out;
   }
 }
 

@@ -32,13 +32,9 @@ TRunResult RunVelantis(const std::vector<std::string>& args, const std::string& 
     _exit(127);
   }
   if (whileRunning) kill(pid, whileRunning());
-  TRunResult result;
   int status = 0;
   waitpid(pid, &status, 0);
-  result.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  result.out = FileBytes(out);
-  result.err = FileBytes(err);
-  return result;
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, FileBytes(out), FileBytes(err)};
 }
 
 }  // namespace velantis::test
