@@ -15,7 +15,7 @@ ctest --test-dir build-test --output-on-failure -j "$(nproc)"
 # seed corpus (long runs are done by hand; see the README). Only the targets
 # are built: the rest of the tree is not linked with the fuzzer's runtime.
 fuzz_target() {
-  case "$1" in keyfile) echo fuzz_key_file ;; notation) echo fuzz_notation ;; nmea) echo fuzz_nmea ;; *) echo "fuzz_$1_file" ;; esac
+  case "$1" in keyfile) echo fuzz_key_file ;; notation | nmea | script) echo "fuzz_$1" ;; *) echo "fuzz_$1_file" ;; esac
 }
 targets=()
 for corpus in fuzz/corpus/*/; do targets+=("$(fuzz_target "$(basename "$corpus")")"); done
