@@ -192,8 +192,9 @@ TEST_F(OziMapFile, FixedLinesMatchTheSampleFile) {
   // All but the values: the title, image, datum, projection, the four
   // calibration points and the setup line.
   for (size_t line = 0; line < 49; ++line) {
-    if (line != 1 && line != 2 && line != 4 && (line < 9 || line > 12) && line != 39)
+    if (line != 1 && line != 2 && line != 4 && (line < 9 || line > 12) && line != 39) {
       EXPECT_EQ(written[line], original[line]) << line;
+    }
   }
 }
 
