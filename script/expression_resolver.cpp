@@ -17,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "script/application_commands.h"
 #include "script/builtins.h"
 #include "script/resolved_expression.h"
 #include "script/script_error.h"
@@ -205,7 +206,24 @@ private:
     return EmitCall(TOpCode::CallFree, builtin, Name(name), {}, args, word.token);
   }
 
+  // The global object a chain starts with: its word, when the receiver is a
+  // plain name ("" otherwise). The globals are names, not values.
+  std::string_view GlobalOf(const TItem& chain) const {
+    if (chain.value.kind != TOperand::TKind::Variable) return {};
+    return chain.token->text;
+  }
+
+  TOperand CommandCall(const TItem& chain, const std::vector<TOperand>& args) {
+    const std::string& name = m_out.names[chain.names[0]];
+    const int command = FindApplicationCommand(name);
+    if (command < 0) throw TStop{WithName(kUnknownCommand, name), chain.token};
+    if (ApplicationCommand(command).argCount != args.size())
+      throw TStop{WithName(kTooFewParameters, name), chain.token};
+    return EmitCall(TOpCode::CallCommand, command, chain.names[0], {}, args, chain.token);
+  }
+
   TOperand MethodCall(const TItem& chain, const std::vector<TOperand>& args) {
+    if (chain.names.size() == 1 && GlobalOf(chain) == "Velantis") return CommandCall(chain, args);
     const TOperand receiver = ReadChain(chain.value, chain.names, chain.names.size() - 1, chain.token);
     const std::string& method = m_out.names[chain.names.back()];
     return EmitCall(TOpCode::CallMethod, FindStringMethod(method), chain.names.back(), receiver,

@@ -2,6 +2,7 @@
 // temporary in the interpreter's stack of temporaries.
 #include <vector>
 
+#include "script/application_commands.h"
 #include "script/builtins.h"
 #include "script/operators.h"
 #include "script/resolved_expression.h"
@@ -93,6 +94,7 @@ private:
       case TOpCode::CallFree: return CallFree(in);
       case TOpCode::CallMethod: return CallMethod(in);
       case TOpCode::CallDeclared: return CallDeclared(in);
+      case TOpCode::CallCommand: return CallCommand(in);
       case TOpCode::Property:
         Read(in.a);
         throw TScriptError(WithName(kNoProperty, m_expression.names[in.name]), *in.at);
@@ -146,6 +148,22 @@ private:
     TVarVelanScript result;
     TBuiltinCall call{m_script, args, result, *in.at};
     StringMethod(in.target).method(call, receiver->text);
+    Temp(in.dest) = std::move(result);
+  }
+
+  // A failure of the application below a command (memory, file system, a
+  // library) names the command; the script's own errors pass as they are.
+  void CallCommand(const TInstruction& in) {
+    std::vector<TVarVelanScript> args = Arguments(in);
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, args, result, *in.at};
+    try {
+      ApplicationCommand(in.target).function(call);
+    } catch (const TScriptError&) {
+      throw;
+    } catch (const std::exception&) {
+      throw TScriptError(kEngineException + m_expression.names[in.name], *in.at);
+    }
     Temp(in.dest) = std::move(result);
   }
 

@@ -94,6 +94,14 @@ void RoundInt(TBuiltinCall& call) {
   call.result.SetNumber(std::trunc(x >= 0 ? x + 0.5 : x - 0.5));
 }
 
+// The reference whose number this is: a reference kept as a number
+// (("" + obj).atoi()) becomes an object again.
+void ObjectAtPtr(TBuiltinCall& call) {
+  const double number = call.Number(0);
+  if (!call.script.Objects().At(number)) throw TScriptError(kWrongPtr, call.at);
+  call.result.SetObject(static_cast<uint32_t>(number));
+}
+
 void Max(TBuiltinCall& call) { call.result.SetNumber(std::fmax(call.Number(0), call.Number(1))); }
 void Min(TBuiltinCall& call) { call.result.SetNumber(std::fmin(call.Number(0), call.Number(1))); }
 
@@ -105,6 +113,7 @@ constexpr TFreeBuiltin kFreeFunctions[] = {
     {"FileRename", 2, FileRename},           {"CreateDirectory", 1, CreateDirectory},
     {"DirectoryExists", 1, DirectoryExists}, {"RoundInt", 1, RoundInt},
     {"max", 2, Max},                         {"min", 2, Min},
+    {"ObjectAtPtr", 1, ObjectAtPtr},
 };
 
 }  // namespace

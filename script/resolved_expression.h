@@ -39,6 +39,7 @@ enum class TOpCode : uint8_t {
   CallFree,      // built-in free function
   CallMethod,    // a: receiver; method of the receiver's kind
   CallDeclared,  // function declared in the script
+  CallCommand,   // application command (Velantis.Name)
   Property,      // a: receiver; names[name] read as a property
 };
 
