@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "script/builtins.h"
+#include "script/object_functions.h"
 #include "script/script_error.h"
 #include "script/velan_script_base.h"
 
@@ -113,7 +114,8 @@ constexpr TFreeBuiltin kFreeFunctions[] = {
     {"FileRename", 2, FileRename},           {"CreateDirectory", 1, CreateDirectory},
     {"DirectoryExists", 1, DirectoryExists}, {"RoundInt", 1, RoundInt},
     {"max", 2, Max},                         {"min", 2, Min},
-    {"ObjectAtPtr", 1, ObjectAtPtr},
+    {"ObjectAtPtr", 1, ObjectAtPtr},         {"new", 1, NewObject},
+    {"SetProjection", 2, SetProjection},
 };
 
 }  // namespace

@@ -76,7 +76,7 @@ public:
 // unless the program's are given.
 class TLocalScriptHost : public TScriptHost, public TScriptMonitor {
 public:
-  TLocalScriptHost() = default;
+  TLocalScriptHost();
   TLocalScriptHost(TConfig& config, TListaDatums& datums) : m_configIn(&config), m_datumsIn(&datums) {}
 
   std::vector<std::shared_ptr<TLoadedFile>>& Loaded() override { return m_loaded; }
