@@ -70,11 +70,9 @@ TBoundingBox ExtentOf(TElementObject& object) {
   }
 }
 
-const std::string& TextOf(TBuiltinCall& call, const TVarVelanScript& value) {
+std::string TextOf(TBuiltinCall& call, const TVarVelanScript& value) {
   if (!value.IsString() && !value.IsNumber()) Fail(call, kNumericOrString);
-  static thread_local std::string text;
-  text = value.AsText();
-  return text;
+  return value.AsText();
 }
 
 // Lists, routes and tracks.

@@ -3,9 +3,10 @@
 //
 // A script value refers to an object by its reference number, an index into
 // the script's table of objects plus one (0 is never a reference). The
-// table keeps every object alive until the script is destroyed or the
-// object is closed; an object shared with the host (a loaded file) stays
-// the host's too. ObjectAtPtr turns a number back into the reference.
+// table keeps every object alive until the script is destroyed (a closed
+// element too, detached from the application); an object shared with the
+// host (a loaded file) stays the host's too. ObjectAtPtr turns a number
+// back into the reference.
 #pragma once
 
 #include <cstdint>
@@ -48,10 +49,6 @@ public:
   }
   std::shared_ptr<TScriptObject> Shared(uint32_t reference) const {
     return At(reference) ? m_objects[reference - 1] : nullptr;
-  }
-  // The reference dies; its number is not given again.
-  void Release(uint32_t reference) {
-    if (At(reference)) m_objects[reference - 1].reset();
   }
   void Clear() { m_objects.clear(); }
 
