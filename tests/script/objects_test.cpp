@@ -87,6 +87,7 @@ TEST(ScriptObjects, ArraysTracksAndRectangles) {
       {"x = new(\"TRectProj\"); v = x.lat1;", "|Projection Not defined!@26-26"},
       {"x = new(\"TRectProj\"); v = x.Name;", "|Wrong property in RectProy@26-26"},
       {"x = new(\"TRectProj\"); x.Start(2); v = x.Step() + x.Step();", "v=2"},
+      {"x = new(\"TRectProj\"); x.y2 = \"n\";", "|Numeric or string property required.@22-22"},
       {"x = new(\"TRectProj\"); x.Count();", "|Unknown function 'Count'@22-22"},
       {"x = 3; x.Increase(1);", "|Object should be TRectProj@7-7"},
       {"SetProjection(\"UTM 31T\", \"Clarke\");", "|Unknown datum: Clarke@0-12"},
