@@ -106,7 +106,7 @@ void ReadWaypoint(TBuiltinCall& call, TWaypointObject& object, int id, const std
     case kPropName: return call.result.SetString(baliza.Name());
     case kPropDescription: return call.result.SetString(baliza.Description());
     case kPropSymbol: return call.result.SetString(baliza.Symbol());
-    case kPropCoord: call.result = call.script.Reference(std::make_shared<TCoordObject>(object.ref)); return;
+    case kPropCoord: call.result = CoordReference(call.script, object.ref); return;
     default: Fail(call, kNoProperty, name);
   }
 }

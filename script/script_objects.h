@@ -10,7 +10,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace velantis {
@@ -50,10 +52,24 @@ public:
   std::shared_ptr<TScriptObject> Shared(uint32_t reference) const {
     return At(reference) ? m_objects[reference - 1] : nullptr;
   }
-  void Clear() { m_objects.clear(); }
+  // The one reference to a view of a part of an element (a waypoint of a
+  // list, its coordinate), made by make on first use: a loop reading w[i]
+  // does not grow the table. The view keeps its element, so the element's
+  // address names it for as long as the entry lives.
+  template <typename TMake>
+  uint32_t View(const void* element, size_t index, TObjectKind kind, TMake make) {
+    const auto [found, added] = m_views.try_emplace({element, index, kind}, 0);
+    if (added) found->second = Add(make());
+    return found->second;
+  }
+  void Clear() {
+    m_objects.clear();
+    m_views.clear();
+  }
 
 private:
   std::vector<std::shared_ptr<TScriptObject>> m_objects;
+  std::map<std::tuple<const void*, size_t, TObjectKind>, uint32_t> m_views;
 };
 
 }  // namespace velantis

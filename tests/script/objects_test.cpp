@@ -70,6 +70,9 @@ TEST(ScriptObjects, WaypointLists) {
       {"w.Nope();", "|Unknown function 'Nope'@87-87"},
       {"v = a.Count();", "|Unknown function 'Count'@91-91"},
       {"h = \"\" + w; v = ObjectAtPtr(h.atoi()).Count();", "v=2"},
+      // Waypoints and their coordinates are one reference each, however often read.
+      {"for (i = 0; i < 50; i++) { n = w[0].Coord.lat + w.Elem(1).Coord.lon; }; x = new(\"TArray\"); v = \"\" + x;",
+       "v=6"},
   };
   for (const TScriptCase& c : cases) EXPECT_EQ(OnList(c.script), c.outcome) << ::testing::PrintToString(c.script);
 }
