@@ -23,7 +23,7 @@ TEST(ScriptDebugCli, KeysAndWhatTheyShow) {
       // An unknown key shows the keys again; q ends a loop that never would.
       {"n = 0;\n\twhile (1) n++;", "\nx\nq\n", 0, "",
        "1: n = 0;\n   ^~~~~\n2: \twhile (1) n++;\n   \t      ^~~\nEnter: step, c: continue, q: stop\nDebug End\n"},
-      // The end of the input continues; the error is shown at its place. A
+      // The end of the input continues; the error is shown at its place; a
       // node over two lines is marked to the end of the first.
       {"Echo(\"x\"\n);\n  y = z;", "", 1, "x",
        "1: Echo(\"x\"\n   ^~~~~~~~\n3:   y = z;\n         ^\nvelantis: Unknown variable 'z'\nDebug End\n"},

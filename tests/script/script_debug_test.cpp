@@ -9,16 +9,13 @@
 namespace velantis {
 namespace {
 
-using namespace std::chrono_literals;
-
 std::string Describe(const TDebugNode& node) {
   return std::to_string(node.position.line) + ":" + std::to_string(node.position.column) + " " +
          KindText(node.kind) + " " + std::to_string(node.start) + "-" + std::to_string(node.end);
 }
 
-// Each stop as "line:column kind start-end", then how it ended, then the
-// Echo output. keys[i] answers the i-th stop: 'c' continues, 'q' stops,
-// anything else (and a stop past the keys) steps.
+// Each stop as "line:column kind start-end", how it ended, the Echo output.
+// keys[i] answers the i-th stop: 'c' continues, 'q' stops, the rest steps.
 std::string Trace(const std::string& text, const std::string& keys) {
   TVelanScriptBase script;
   script.Load(text);
@@ -69,7 +66,7 @@ TEST(ScriptDebugger, StopFromAnotherThreadEndsARunningLoop) {
   session.NextEvent();
   session.Continue();
   // Told to continue, it does not stop again while it loops.
-  EXPECT_FALSE(session.NextEvent(50ms).has_value());
+  EXPECT_FALSE(session.NextEvent(std::chrono::milliseconds(50)).has_value());
   std::thread stopper([&session] { session.Stop(); });
   const TDebugEvent end = session.NextEvent();
   stopper.join();
