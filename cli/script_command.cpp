@@ -1,18 +1,20 @@
-// velantis script FILE: runs a script; Echo goes to stdout, an error to
-// stderr. An error found while loading is reported before anything runs.
+// velantis script FILE [--debug]: runs a script; Echo goes to stdout, an
+// error to stderr. An error found while loading is reported before anything
+// runs. --debug steps through it on the terminal (cli/script_debugger.h).
 #include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/script_debugger.h"
 #include "script/velan_script_base.h"
 
 namespace velantis::cli {
 
 namespace {
 
-int RunScript(const std::string& path) {
+int RunScript(const std::string& path, bool debug) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     PrintError("Error opening " + path);
@@ -24,6 +26,7 @@ int RunScript(const std::string& path) {
   script.SetEchoSink([](std::string_view echoed) { std::cout << echoed << std::flush; });
   try {
     script.Load(text.str());
+    if (debug) return RunScriptDebugger(script, text.str(), path, std::cin, std::cerr);
     script.Ejecuta();
   } catch (const TScriptError& error) {
     PrintError(error.what());
@@ -37,8 +40,10 @@ int RunScript(const std::string& path) {
 void AddScriptCommand(CLI::App& app, const TGlobalOptions&, int& exitCode) {
   auto* command = app.add_subcommand("script", "run a script file");
   auto path = std::make_shared<std::string>();
+  auto debug = std::make_shared<bool>(false);
   command->add_option("FILE", *path, "the script")->required();
-  command->callback([path, &exitCode] { exitCode = RunScript(*path); });
+  command->add_flag("--debug", *debug, "step through the script: Enter steps, c continues, q stops");
+  command->callback([path, debug, &exitCode] { exitCode = RunScript(*path, *debug); });
 }
 
 }  // namespace velantis::cli
