@@ -41,21 +41,16 @@ TEST(FileDispatch, ExtensionsEachElementTakes) {
   };
   for (const auto& c : cases) {
     const std::string path = (dir / c.file).string();
-    const std::string refusal = "Unknown file format: " + FileExtension(path);
-    std::string error;
-    EXPECT_EQ(SaveWaypoints(path, list, options, error), c.waypoints) << c.file;
-    EXPECT_EQ(error, c.waypoints ? "" : refusal);
-    error.clear();
-    EXPECT_EQ(SaveRoute(path, route, options, "", error), c.route) << c.file;
-    EXPECT_EQ(error, c.route ? "" : refusal);
-    error.clear();
-    EXPECT_EQ(SaveTrack(path, track, options, error), c.track) << c.file;
-    EXPECT_EQ(error, c.track ? "" : refusal);
-    error.clear();
+    std::string errors[4];
     TElementFile file;
-    const bool known = c.waypoints || c.route || c.track;
-    EXPECT_EQ(OpenElementFile(path, options, file, error), known) << c.file << ": " << error;
-    EXPECT_EQ(error, known ? "" : refusal);
+    // Evaluated in order: the saves make the file the open reads.
+    const bool done[] = {SaveWaypoints(path, list, options, errors[0]), SaveRoute(path, route, options, "", errors[1]),
+                         SaveTrack(path, track, options, errors[2]), OpenElementFile(path, options, file, errors[3])};
+    const bool expected[] = {c.waypoints, c.route, c.track, c.waypoints || c.route || c.track};
+    for (size_t k = 0; k < 4; ++k) {
+      const std::string refusal = expected[k] ? "" : "Unknown file format: " + FileExtension(path);
+      EXPECT_EQ(std::pair(done[k], errors[k]), std::pair(expected[k], refusal)) << c.file << " step " << k;
+    }
   }
   // A waypoint file also opens as ".mrk"; it is never saved as one.
   std::filesystem::copy_file(dir / "a.wpt", dir / "a.mrk");
