@@ -110,15 +110,12 @@ TEST(FileDispatch, ReadersRefuseOrCountTheirRecords) {
     options.progress = &progress;
     EXPECT_EQ(OpenElementFile(path.string(), options, file, error), refusal.empty());
     if (!refusal.empty()) {
-      EXPECT_EQ(error, refusal);
-      EXPECT_EQ(file.waypoints.Count(), 1u);
-      EXPECT_EQ(file.route.Name(), "kept");
-      EXPECT_EQ(file.track.Count(), 1u);
-      EXPECT_FALSE(file.waypoints.FromOziExplorer());
+      EXPECT_EQ(std::tuple(error, file.waypoints.Count(), file.route.Name(), file.track.Count(),
+                           file.waypoints.FromOziExplorer()),
+                std::tuple(refusal, 1u, "kept", 1u, false));
       continue;
     }
-    EXPECT_EQ(progress.Total(), records);
-    EXPECT_EQ(progress.Steps(), records);
+    EXPECT_EQ(std::pair(progress.Total(), progress.Steps()), (std::pair<int64_t, int64_t>(records, records)));
     progress.Cancel();
     EXPECT_FALSE(OpenElementFile(path.string(), options, file, error));
     EXPECT_EQ(error, kCancelledError);
@@ -150,8 +147,8 @@ TEST(FileDispatch, FailedSavesLeaveTheOldFile) {
     withProgress.progress = &counted;
     ASSERT_TRUE(SaveElementFile(path, file, withProgress, error)) << error;
     const int64_t records[] = {30, 10, 100};
-    EXPECT_EQ(counted.Total(), records[i]) << "one step per waypoint, route point or track point";
-    EXPECT_EQ(counted.Steps(), records[i]);
+    EXPECT_EQ(std::pair(counted.Total(), counted.Steps()), std::pair(records[i], records[i]))
+        << "one step per waypoint, route point or track point";
     EXPECT_FALSE(file.waypoints.Modified() || file.route.Modified() || file.track.Modified());
     const std::string& before = befores[i] = test::FileBytes(path);
     const int64_t zLine = file.track.ZLinePosition();
