@@ -1,11 +1,13 @@
-// velantis script FILE: runs a script; Echo goes to stdout, an error to
-// stderr. An error found while loading is reported before anything runs.
+// velantis script FILE [--debug]: runs a script; Echo goes to stdout, an
+// error to stderr. An error found while loading is reported before anything
+// runs. --debug steps through it on the terminal (cli/script_debugger.h).
 #include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/script_debugger.h"
 #include "script/script_host.h"
 #include "script/velan_script_base.h"
 
@@ -13,7 +15,7 @@ namespace velantis::cli {
 
 namespace {
 
-int RunScript(const std::string& path, const TGlobalOptions& global) {
+int RunScript(const std::string& path, bool debug, const TGlobalOptions& global) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     PrintError("Error opening " + path);
@@ -31,6 +33,7 @@ int RunScript(const std::string& path, const TGlobalOptions& global) {
   script.SetEchoSink([](std::string_view echoed) { std::cout << echoed << std::flush; });
   try {
     script.Load(text.str());
+    if (debug) return RunScriptDebugger(script, text.str(), path, std::cin, std::cerr);
     script.Ejecuta();
   } catch (const TScriptError& error) {
     PrintError(error.what());
@@ -44,8 +47,10 @@ int RunScript(const std::string& path, const TGlobalOptions& global) {
 void AddScriptCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto* command = app.add_subcommand("script", "run a script file");
   auto path = std::make_shared<std::string>();
+  auto debug = std::make_shared<bool>(false);
   command->add_option("FILE", *path, "the script")->required();
-  command->callback([path, &global, &exitCode] { exitCode = RunScript(*path, global); });
+  command->add_flag("--debug", *debug, "step through the script: Enter steps, c continues, q stops");
+  command->callback([path, debug, &global, &exitCode] { exitCode = RunScript(*path, *debug, global); });
 }
 
 }  // namespace velantis::cli
