@@ -8,13 +8,14 @@
 
 #include "cli/command.h"
 #include "cli/script_debugger.h"
+#include "script/script_host.h"
 #include "script/velan_script_base.h"
 
 namespace velantis::cli {
 
 namespace {
 
-int RunScript(const std::string& path, bool debug) {
+int RunScript(const std::string& path, bool debug, const TGlobalOptions& global) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     PrintError("Error opening " + path);
@@ -22,7 +23,13 @@ int RunScript(const std::string& path, bool debug) {
   }
   std::ostringstream text;
   text << file.rdbuf();
+  // The script's Config is the program's configuration, written back to
+  // its gps.ini; its positions use the program's datums.
+  TRuntime runtime;
+  if (!StartRuntime(global, runtime)) return kExitRefused;
+  TLocalScriptHost host(runtime.config, runtime.datums);
   TVelanScriptBase script;
+  script.SetHost(host);
   script.SetEchoSink([](std::string_view echoed) { std::cout << echoed << std::flush; });
   try {
     script.Load(text.str());
@@ -37,13 +44,13 @@ int RunScript(const std::string& path, bool debug) {
 
 }  // namespace
 
-void AddScriptCommand(CLI::App& app, const TGlobalOptions&, int& exitCode) {
+void AddScriptCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto* command = app.add_subcommand("script", "run a script file");
   auto path = std::make_shared<std::string>();
   auto debug = std::make_shared<bool>(false);
   command->add_option("FILE", *path, "the script")->required();
   command->add_flag("--debug", *debug, "step through the script: Enter steps, c continues, q stops");
-  command->callback([path, debug, &exitCode] { exitCode = RunScript(*path, *debug); });
+  command->callback([path, debug, &global, &exitCode] { exitCode = RunScript(*path, *debug, global); });
 }
 
 }  // namespace velantis::cli
