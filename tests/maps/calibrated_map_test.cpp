@@ -41,12 +41,6 @@ TPairs Through(std::span<const TPlanePoint> pixels) {
   return pairs;
 }
 
-double Miss(const TPixelTransform& t, const TPointPair& pair) {
-  TPlanePoint plane{NAN, NAN};
-  EXPECT_TRUE(t.ToPlane(pair.pixel, plane));
-  return std::hypot(plane.x - pair.plane.x, plane.y - pair.plane.y);
-}
-
 // Each kind fits its own points exactly, recovers the affine map when the
 // points lie on one, and its plane-to-pixel inverts its pixel-to-plane.
 // Points on one line fall back to the first two, with a warning when a
@@ -90,7 +84,11 @@ TEST(PixelTransform, EachKindFitsItsPointsAndInverts) {
                   entry.text == kLeastSquaresFallback;
     }
     EXPECT_EQ(warnings, row.warnings);
-    for (const TPointPair& pair : row.pairs) EXPECT_LT(Miss(t, pair), 1e-6);
+    for (const TPointPair& pair : row.pairs) {
+      TPlanePoint plane{NAN, NAN};
+      EXPECT_TRUE(t.ToPlane(pair.pixel, plane));
+      EXPECT_LT(std::hypot(plane.x - pair.plane.x, plane.y - pair.plane.y), 1e-6);
+    }
     for (size_t i = 0; row.affine && i < 3; ++i) {
       for (size_t j = 0; j < 3; ++j) {
         EXPECT_NEAR(t.Forward()[i][j], kAffine[i][j], j == 2 ? 1e-6 : 1e-11) << i << j;
@@ -101,8 +99,7 @@ TEST(PixelTransform, EachKindFitsItsPointsAndInverts) {
         TPlanePoint plane, pixel;
         ASSERT_TRUE(t.ToPlane({x, y}, plane));
         ASSERT_TRUE(t.ToPixel(plane, pixel));
-        EXPECT_NEAR(pixel.x, x, 1e-9);
-        EXPECT_NEAR(pixel.y, y, 1e-9);
+        EXPECT_LT(std::hypot(pixel.x - x, pixel.y - y), 1e-9);
       }
     }
   }
@@ -263,15 +260,13 @@ TEST_F(CalibratedMapTest, PixelsFollowTheCalibrationInEveryForm) {
         const TLonLat expected = UtmGeo(KnownPlane(pixel.x, pixel.y), m_ed50, datum);
         TLonLat geo;
         ASSERT_TRUE(map.PixelToCoord(pixel, datum, geo, error)) << error;
-        EXPECT_NEAR(geo.lat, expected.lat, tolerance);
-        EXPECT_NEAR(geo.lon, expected.lon, tolerance);
+        EXPECT_LT(std::hypot(geo.lat - expected.lat, geo.lon - expected.lon), tolerance);
         // Back on the map's datum the chain inverts within the transverse
         // Mercator series (a tenth of a millimetre); through WGS 84 the
         // Molodensky shift there and back leaves a few millimetres.
         TPlanePoint back;
         ASSERT_TRUE(map.CoordToPixel(geo, datum, back, error)) << error;
-        EXPECT_NEAR(back.x, pixel.x, datum == m_ed50 ? 1e-4 : 0.004);
-        EXPECT_NEAR(back.y, pixel.y, datum == m_ed50 ? 1e-4 : 0.004);
+        EXPECT_LT(std::hypot(back.x - pixel.x, back.y - pixel.y), datum == m_ed50 ? 1e-4 : 0.004);
       }
     }
   }
@@ -290,8 +285,7 @@ TEST_F(CalibratedMapTest, AnExplicitMatrixAndTheOffsetAreApplied) {
   TLonLat geo;
   ASSERT_TRUE(map.PixelToCoord({10, 20}, 0, geo, error)) << error;
   const TLonLat expected = UtmGeo(KnownPlane(110, 70), 0, 0);
-  EXPECT_NEAR(geo.lat, expected.lat, 1e-10);
-  EXPECT_NEAR(geo.lon, expected.lon, 1e-10);
+  EXPECT_LT(std::hypot(geo.lat - expected.lat, geo.lon - expected.lon), 1e-10);
 }
 
 TEST_F(CalibratedMapTest, ProjectionsNamedInProjectDatAreFound) {
@@ -308,8 +302,7 @@ TEST_F(CalibratedMapTest, ProjectionsNamedInProjectDatAreFound) {
   TLonLat geo;
   ASSERT_TRUE(map.PixelToCoord({0, 0}, 0, geo, error)) << error;
   // ITM's false origin 600000 750000 is at 53.5°N 8°W.
-  EXPECT_NEAR(geo.lat, 53.5, 1e-7);
-  EXPECT_NEAR(geo.lon, -8, 1e-7);
+  EXPECT_LT(std::hypot(geo.lat - 53.5, geo.lon + 8), 1e-7);
 }
 
 TEST_F(CalibratedMapTest, FailuresSayWhy) {

@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <fstream>
 #include <sstream>
 
@@ -30,22 +29,6 @@ constexpr double kMetresPerDegree = 111320;
 // PROJ's geocentric shift): bounds close enough to catch a real slip.
 constexpr double kToleranceM = 0.1;
 constexpr double kTolerancePixels = 0.05;
-
-std::string Quoted(const std::string& text) {
-  std::string quoted = "'";
-  for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return quoted + "'";
-}
-
-std::string Run(const std::string& command) {
-  std::string output;
-  if (FILE* pipe = popen(command.c_str(), "r")) {
-    char buffer[4096];
-    for (size_t n; (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;) output.append(buffer, n);
-    pclose(pipe);
-  }
-  return output;
-}
 
 // The source system GDAL is told to use: the map's transverse Mercator with
 // our datum's ellipsoid and shifts. Empty for WGS 84 maps, which need none.
@@ -65,20 +48,19 @@ std::string SourceSrs(const TMapCalibration& map, const TDatum& datum) {
 // GDAL's longitude and latitude of each pixel.
 std::vector<TLonLat> GdalCoordinates(const std::filesystem::path& mapFile, const std::string& sourceSrs,
                                      const std::vector<TPlanePoint>& pixels) {
-  const std::filesystem::path input = mapFile.parent_path() / "pixels.txt";
+  const std::string input = (mapFile.parent_path() / "pixels.txt").string(), output = input + ".out";
   {
     std::ofstream out(input);
     out.precision(17);
     for (const TPlanePoint& pixel : pixels) out << pixel.x << " " << pixel.y << "\n";
   }
-  std::istringstream output(Run("gdaltransform -order 1 -t_srs EPSG:4326 " + sourceSrs + Quoted(mapFile.string()) +
-                                " < " + Quoted(input.string()) + " 2>&1"));
+  const std::string command = "gdaltransform -order 1 -t_srs EPSG:4326 " + sourceSrs + "'" + mapFile.string() +
+                              "' < '" + input + "' > '" + output + "' 2>&1";
+  EXPECT_EQ(std::system(command.c_str()), 0) << command;
+  std::istringstream text(test::FileBytes(output));
   std::vector<TLonLat> result;
-  for (TLonLat geo; output >> geo.lon >> geo.lat;) {
-    double height;
-    output >> height;
-    result.push_back(geo);
-  }
+  double height;
+  for (TLonLat geo; text >> geo.lon >> geo.lat >> height;) result.push_back(geo);
   return result;
 }
 
@@ -111,7 +93,7 @@ TEST_P(OziMapGdalTest, PixelsGiveTheCoordinatesGdalGives) {
   const std::filesystem::path image = folder / calibration.bitmap;
   std::filesystem::create_directories(image.parent_path());
   const std::string blank = "gdal_create -q -of PNG -ot Byte -bands 1 -outsize " + std::to_string(w) + " " +
-                            std::to_string(h) + " " + Quoted(image.string());
+                            std::to_string(h) + " '" + image.string() + "'";
   ASSERT_EQ(std::system(blank.c_str()), 0) << blank;
 
   std::vector<TPlanePoint> pixels = {{0, 0}, {1.0 * w, 0}, {0, 1.0 * h}, {1.0 * w, 1.0 * h}, {w / 2.0, h / 2.0}};
