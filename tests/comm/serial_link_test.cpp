@@ -165,6 +165,13 @@ TEST(SerialPort, TcpSourceReadsWritesAndEnds) {
     port->Write(sentence);
     EXPECT_EQ(test::ReadFrom(peer, 300, sentence.size()), sentence);
     EXPECT_EQ(port->Read(buffer, sizeof buffer, 50), 0u);  // connected, silent
+    TNmeaLineReader reader(100);  // the silence of a TCP source is reported, not logged
+    TErrorSink errors;
+    TLog::Instance().ClearEntries();
+    std::string line;
+    EXPECT_EQ(reader.ReadLine(*port, line, errors), -1);
+    EXPECT_EQ(std::pair(errors.Records().at(0).message, test::LoggedTexts().size()),
+              std::pair(std::string(kNmeaSilenceText), size_t{0}));
     const linger abort{1, 0};  // a zero linger time sends a reset
     ASSERT_TRUE(!reset || setsockopt(peer, SOL_SOCKET, SO_LINGER, &abort, sizeof abort) == 0);
     server.CloseClient();
@@ -294,18 +301,6 @@ TEST(NmeaLineReader, SingleReadReturnsAtOnce) {
   }
   EXPECT_EQ(line, kRmc);
   EXPECT_EQ(reader.ReadLineOnce(*link.port, line), static_cast<int>(kGga.size() - 1));
-}
-
-TEST(NmeaLineReader, SilentTcpSourceIsNotLogged) {
-  test::TLoopbackServer server;
-  const auto tcp = OpenSerialPort(server.Address(), 4800);
-  TNmeaLineReader reader(200);
-  TErrorSink errors;
-  TLog::Instance().ClearEntries();
-  std::string line;
-  EXPECT_EQ(reader.ReadLine(*tcp, line, errors), -1);
-  EXPECT_EQ(errors.Records().at(0).message, kSilence);
-  EXPECT_TRUE(test::LoggedTexts().empty());
 }
 
 TEST(NmeaProtocol, DetectionOnAReceiver) {
