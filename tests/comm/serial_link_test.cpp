@@ -310,34 +310,31 @@ TEST(NmeaProtocol, DetectionOnAReceiver) {
   const std::string zda = Nmea("GPZDA,201530.00,04,07,2002,00,00");
   const std::string none;
   struct TCase {
-    std::vector<std::string> lines;
+    std::string sent;
     bool skip, cancel, found;
     std::string_view error;  // the last one put in the sink
   };
   const TCase cases[] = {
-      {{zda, gga}, false, false, true, none},
-      {{gsv}, false, false, true, none},  // only GSV at first
-      {{zda, noFix}, false, false, true, none},
-      {{zda, zda, zda, zda, zda, gga}, false, false, false, kNmeaDetectUnusable},
-      {{zda, zda, zda, zda, gga}, false, false, true, none},
-      {{"$GPGGA,1*4\r\n", gga}, false, false, false, kNmeaErrorChecksumSection},
-      {{}, false, false, false, kNmeaSilenceText},
-      {{}, true, false, true, none},
-      {{zda, zda}, false, true, false, "Cancelled"},
+      {zda + gga, false, false, true, none},
+      {gsv, false, false, true, none},  // only GSV at first
+      {zda + noFix, false, false, true, none},
+      {zda + zda + zda + zda + zda + gga, false, false, false, kNmeaDetectUnusable},
+      {zda + zda + zda + zda + gga, false, false, true, none},
+      {"$GPGGA,1*4\r\n" + gga, false, false, false, kNmeaErrorChecksumSection},
+      {"", false, false, false, kNmeaSilenceText},
+      {"", true, false, true, none},
+      {zda + zda, false, true, false, "Cancelled"},
   };
   for (const TCase& c : cases) {
-    SCOPED_TRACE(c.lines.empty() ? "silence" : c.lines.back());
+    SCOPED_TRACE(c.sent);
     test::TPtyPort link;
-    auto& [pty, port] = link;
-    std::string all;
-    for (const std::string& line : c.lines) all += line;
-    test::TReceiver receiver(pty.Master(), {{20, all}});
+    test::TReceiver receiver(link.pty.Master(), {{20, c.sent}});
     TNmeaProtocol protocol({}, 300);
     TProgress progress;
     if (c.cancel) progress.Cancel();
     std::string result;
     TErrorSink errors;
-    EXPECT_EQ(protocol.Detect(*port, result, errors, &progress, c.skip), c.found);
+    EXPECT_EQ(protocol.Detect(*link.port, result, errors, &progress, c.skip), c.found);
     EXPECT_EQ(result, c.found ? "NMEA" : "");
     EXPECT_EQ(errors.Records().empty() ? "" : errors.Records().back().message, c.error);
   }
