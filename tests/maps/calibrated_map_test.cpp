@@ -188,8 +188,7 @@ TEST(PixelTransform, NoAnswerLeavesTheOutputAlone) {
 }
 
 
-// Pixels to UTM 31T on a known affine map with a little rotation: 2.5 m a
-// pixel, rows downwards.
+// Pixels to UTM 31T on a known affine map: 2.5 m a pixel, rows downwards.
 TPlanePoint KnownPlane(double px, double py) {
   return {430000 + 2.5 * px + 0.01 * py, 4590000 - 0.01 * px - 2.5 * py};
 }
@@ -261,9 +260,8 @@ TEST_F(CalibratedMapTest, PixelsFollowTheCalibrationInEveryForm) {
         TLonLat geo;
         ASSERT_TRUE(map.PixelToCoord(pixel, datum, geo, error)) << error;
         EXPECT_LT(std::hypot(geo.lat - expected.lat, geo.lon - expected.lon), tolerance);
-        // Back on the map's datum the chain inverts within the transverse
-        // Mercator series (a tenth of a millimetre); through WGS 84 the
-        // Molodensky shift there and back leaves a few millimetres.
+        // Back on the map's datum within the transverse Mercator series (0.1 mm);
+        // through WGS 84 the Molodensky shift there and back leaves a few mm.
         TPlanePoint back;
         ASSERT_TRUE(map.CoordToPixel(geo, datum, back, error)) << error;
         EXPECT_LT(std::hypot(back.x - pixel.x, back.y - pixel.y), datum == m_ed50 ? 1e-4 : 0.004);
@@ -272,36 +270,27 @@ TEST_F(CalibratedMapTest, PixelsFollowTheCalibrationInEveryForm) {
   }
 }
 
-TEST_F(CalibratedMapTest, AnExplicitMatrixAndTheOffsetAreApplied) {
-  TMapCalibration calibration = UtmMap("WGS 84");
-  // A D B E C F of the known transform.
-  calibration.matrix = std::array<double, 6>{2.5, -0.01, 0.01, -2.5, 430000, 4590000};
-  calibration.points.resize(1);
-  calibration.offset = TPlanePoint{100, 50};
-  TCalibratedMap map;
+// An explicit matrix (A D B E C F of the known transform) with the offset;
+// a projection named in project.dat (ITM's false origin 600000 750000 is at
+// 53.5°N 8°W).
+TEST_F(CalibratedMapTest, AnExplicitMatrixAndAProjectionOfProjectDat) {
+  TMapCalibration matrix = UtmMap("WGS 84"), itm = UtmMap("WGS 84");
+  matrix.matrix = std::array<double, 6>{2.5, -0.01, 0.01, -2.5, 430000, 4590000};
+  matrix.points.resize(1);
+  matrix.offset = TPlanePoint{100, 50};
+  itm.coordinates = TCoordinateMode::Plane;
+  ASSERT_TRUE(ParseMapProjection("-1,Irish Transverse Mercator,", itm.projection, m_error));
+  itm.points = {{0, 0, "A", 600000, 750000}, {1000, 1000, "A", 610000, 740000}};
+  TCalibratedMap map, named;
   std::string error;
-  ASSERT_TRUE(map.Open(calibration, m_datums, "", error)) << error;
-  EXPECT_EQ(map.Transform().Kind(), TTransformKind::Matrix);
   TLonLat geo;
+  ASSERT_TRUE(map.Open(matrix, m_datums, "", error)) << error;
+  EXPECT_EQ(map.Transform().Kind(), TTransformKind::Matrix);
   ASSERT_TRUE(map.PixelToCoord({10, 20}, 0, geo, error)) << error;
   const TLonLat expected = UtmGeo(KnownPlane(110, 70), 0, 0);
   EXPECT_LT(std::hypot(geo.lat - expected.lat, geo.lon - expected.lon), 1e-10);
-}
-
-TEST_F(CalibratedMapTest, ProjectionsNamedInProjectDatAreFound) {
-  TMapCalibration calibration;
-  calibration.bitmap = "itm.png";
-  calibration.datum = "WGS 84";
-  calibration.coordinates = TCoordinateMode::Plane;
-  ASSERT_TRUE(ParseMapProjection("-1,Irish Transverse Mercator,", calibration.projection, m_error));
-  calibration.points = {{0, 0, "A", 600000, 750000}, {1000, 1000, "A", 610000, 740000}};
-  TCalibratedMap map;
-  std::string error;
-  const std::string dataDir = (test::BinaryDir() / "data").string();
-  ASSERT_TRUE(map.Open(calibration, m_datums, dataDir, error)) << error;
-  TLonLat geo;
-  ASSERT_TRUE(map.PixelToCoord({0, 0}, 0, geo, error)) << error;
-  // ITM's false origin 600000 750000 is at 53.5°N 8°W.
+  ASSERT_TRUE(named.Open(itm, m_datums, (test::BinaryDir() / "data").string(), error)) << error;
+  ASSERT_TRUE(named.PixelToCoord({0, 0}, 0, geo, error)) << error;
   EXPECT_LT(std::hypot(geo.lat - 53.5, geo.lon + 8), 1e-7);
 }
 
