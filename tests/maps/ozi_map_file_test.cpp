@@ -564,11 +564,8 @@ TEST(OziProjection, SetupFieldsAndTheirDefaults) {
 TEST(MapProjection, ValuesReadInEitherFormAndWriteInTheFullOne) {
   // The value and how it is written (nullptr: refused).
   const std::pair<const char*, const char*> cases[] = {
-      {"1,Lat/Long,", "1,Lat/Long,"},
-      {"1,Lat/Long", "1,Lat/Long,"},
-      {"0,UTM,", "0,UTM,"},
-      {"0,UTM,31T,", "0,UTM,31T,"},
-      {"0,UTM,05M,", "0,UTM,05M,"},
+      {"1,Lat/Long,", "1,Lat/Long,"}, {"1,Lat/Long", "1,Lat/Long,"},
+      {"0,UTM,", "0,UTM,"},           {"0,UTM,31T,", "0,UTM,31T,"}, {"0,UTM,05M,", "0,UTM,05M,"},
       {"-1,Transversal Mercator,39,0,0,7500000,1,", "-1,Transversal Mercator,39,0,0,7500000,1,"},
       {"-1,Transveral Mercator,39,0,0,7500000,1,", "-1,Transversal Mercator,39,0,0,7500000,1,"},
       {"-1,Transversal Mercator", "-1,Transversal Mercator,0,0,0,0,1,"},
@@ -578,10 +575,8 @@ TEST(MapProjection, ValuesReadInEitherFormAndWriteInTheFullOne) {
       {"5,UTM,,", "0,UTM,"},
       // A zone without its band letter would not write back as it read; a
       // full form that does not read is not a name.
-      {"0,UTM,31 ,X", nullptr},
-      {"7,Transversal Mercator,39,0,0,7500000,1,", nullptr},
-      {"Lat/Long", nullptr},
-      {"", nullptr},
+      {"0,UTM,31 ,X", nullptr}, {"7,Transversal Mercator,39,0,0,7500000,1,", nullptr},
+      {"Lat/Long", nullptr},    {"", nullptr},
   };
   for (const auto& [value, expected] : cases) {
     TMapProjection projection, again;
