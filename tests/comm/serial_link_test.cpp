@@ -340,7 +340,9 @@ TEST(NmeaProtocol, DetectionOnAReceiver) {
   }
 }
 
-TEST(CommCommands, AutodetectKeepsTheProtocolFound) {
+// Both commands on one receiver: detection keeps the index of the protocol
+// found; the moving-map test sends every point and ends on a closed port.
+TEST(CommCommands, AutodetectAndTestMovingMap) {
   test::TPtyPort link;
   auto& [pty, port] = link;
   test::TReceiver receiver(pty.Master(), {{20, Nmea("GPGSV,1,1,01,03,03,111,00")}});
@@ -350,32 +352,24 @@ TEST(CommCommands, AutodetectKeepsTheProtocolFound) {
   EXPECT_EQ(std::pair(protocol.LongName(), protocol.ShortName()), std::pair(std::string_view("Auto-Detect"), std::string_view("Auto")));
   TProgress cancelled;
   cancelled.Cancel();
-  std::string none;
-  TErrorSink quiet;
-  EXPECT_FALSE(protocol.Detect(*port, none, quiet, &cancelled, false));
+  std::string result;
+  TErrorSink errors;
+  EXPECT_FALSE(protocol.Detect(*port, result, errors, &cancelled, false));
   EXPECT_EQ(protocol.LastDetected(), -1);
   TConfig config;
   config.Last_Autodetect_Protocol = 7;
-  std::string result;
-  TErrorSink errors;
   TThreadComm thread;
   ASSERT_TRUE(thread.Start(std::string(kCommandAutodetect),
                            AutodetectGpsCommand(*port, protocol, config, result, errors)));
   EXPECT_TRUE(thread.Wait());
   EXPECT_EQ(config.Last_Autodetect_Protocol, 0);
-}
 
-TEST(CommCommands, TestMovingMapSendsEveryPointAndEndsOnAClosedPort) {
   TTrack track;
   for (int i = 0; i < 3; ++i)
     track.Anyade_Punto_Temps(48.1 + i * 0.001, 11.5, 500, TDateTime::FromCalendar(2024, 6, 5, 10, 0, i));
   TNmeaTestOutputOptions options;
   options.pause = std::chrono::milliseconds(10);
-  test::TPtyPair pty;
-  const auto port = OpenSerialPort(pty.SlaveName(), 4800);
-  TThreadComm thread;
-  ASSERT_TRUE(thread.Start(std::string(kCommandTestMovingMap),
-                           TestMovingMapCommand(*port, {&track}, options)));
+  ASSERT_TRUE(thread.Start(std::string(kCommandTestMovingMap), TestMovingMapCommand(*port, {&track}, options)));
   EXPECT_TRUE(thread.Wait());
   std::string expected;
   for (const TrkPnt& point : track.Points())
@@ -383,8 +377,7 @@ TEST(CommCommands, TestMovingMapSendsEveryPointAndEndsOnAClosedPort) {
   EXPECT_EQ(test::ReadFrom(pty.Master(), 200), expected);
   pty.CloseMaster();  // the receiver's end goes away
   pty.CloseOwnSlave();
-  ASSERT_TRUE(thread.Start(std::string(kCommandTestMovingMap),
-                           TestMovingMapCommand(*port, {&track}, options)));
+  ASSERT_TRUE(thread.Start(std::string(kCommandTestMovingMap), TestMovingMapCommand(*port, {&track}, options)));
   EXPECT_FALSE(thread.Wait());
   EXPECT_TRUE(thread.ErrorText().starts_with("TXErrorRScom error: Error, en la transmision!"));
 }
