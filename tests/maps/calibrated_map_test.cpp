@@ -117,15 +117,12 @@ TTriangle Turn(double f) { return {{{0, 0}, {1, 0}, {2, f * kMinUnitCross}}}; }
 
 TEST(PixelTransform, TrianglesAtTheLimits) {
   const TTriangle sound{{{0, 0}, {5000, 200}, {2500, 4000}}};
-  const struct {
-    const char* name;
-    TTriangle (*shape)(double f);
-  } limits[] = {
+  const std::pair<const char*, TTriangle (*)(double)> limits[] = {
       {"longest side", LongestSide}, {"p0p1", FirstSide}, {"p1p2", SecondSide}, {"turn", Turn}};
-  for (const auto& limit : limits) {
+  for (const auto& [name, shape] : limits) {
     for (double f : {1.01, 0.99}) {
-      SCOPED_TRACE(testing::Message() << limit.name << " × " << f);
-      const TTriangle tested = limit.shape(f);
+      SCOPED_TRACE(testing::Message() << name << " × " << f);
+      const TTriangle tested = shape(f);
       EXPECT_EQ(WellFormedTriangle(tested[0], tested[1], tested[2]), f > 1);
       TPairs onPixels, onPlane;
       for (size_t i = 0; i < 3; ++i) {
@@ -140,12 +137,7 @@ TEST(PixelTransform, TrianglesAtTheLimits) {
 
 // The second point of a pair starting at pixel (100, 100), plane (430000, 4580000).
 TEST(PixelTransform, TwoPointsOnOneRowOrColumn) {
-  const struct {
-    const char* name;
-    TPointPair second;
-    int mode;
-    bool valid;
-  } rows[] = {
+  const std::tuple<const char*, TPointPair, int, bool> rows[] = {
       {"apart", {{5000, 4000}, {442000, 4570000}}, 1, true},
       {"one column", {{100, 4000}, {442000, 4570000}}, 1, false},
       {"nearly one column", {{103.9, 4100}, {442000, 4570000}}, 1, false},
@@ -157,9 +149,9 @@ TEST(PixelTransform, TwoPointsOnOneRowOrColumn) {
       {"similarity on one column", {{100, 4000}, {442000, 4570000}}, 0, true},
       {"similarity on one pixel", {{100, 100}, {442000, 4570000}}, 0, false},
   };
-  for (const auto& row : rows) {
-    const TPairs pairs{{{100, 100}, {430000, 4580000}}, row.second};
-    EXPECT_EQ(ComputePixelTransform(pairs, row.mode).Valid(), row.valid) << row.name;
+  for (const auto& [name, second, mode, valid] : rows) {
+    const TPairs pairs{{{100, 100}, {430000, 4580000}}, second};
+    EXPECT_EQ(ComputePixelTransform(pairs, mode).Valid(), valid) << name;
   }
 }
 

@@ -33,9 +33,7 @@ constexpr const char* kSampleFolder = "ozi/map";
 
 class OziMapFile : public testing::Test {
 protected:
-  static void SetUpTestSuite() {
-    s_loaded = test::LoadBuiltInDatums(s_datums);
-  }
+  static void SetUpTestSuite() { s_loaded = test::LoadBuiltInDatums(s_datums); }
   void SetUp() override { ASSERT_TRUE(s_loaded) << "build the target velantis_data first"; }
 
   static TMapCalibration Read(std::string_view text) {
