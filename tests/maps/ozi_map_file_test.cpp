@@ -281,14 +281,6 @@ TEST_F(OziMapFile, EverySampleRoundTripsExactly) {
   EXPECT_GE(files, 12u);
 }
 
-std::string MapText(std::string_view projection, std::initializer_list<std::string_view> points) {
-  std::string text = "OziExplorer Map Data File Version 2.2\r\nT\r\nt.png\r\n1 ,Map Code,\r\n"
-                     "WGS 84,,   0.0000,   0.0000,WGS 84\r\nMap Projection,";
-  text.append(projection).append(",PolyCal,No,AutoCalOnly,No,BSBUseWPX,No\n");
-  for (std::string_view point : points) text.append(point).append("\n");
-  return text + "Projection Setup,,,,,,,,,,\n";
-}
-
 // UTM grid points take their zone and hemisphere (a point without a zone
 // is dropped); a UTM map calibrated in degrees keeps its zone through the
 // zone fields; on mixed points the grid ones are kept, and a place holder
@@ -321,10 +313,12 @@ TEST_F(OziMapFile, PointFormsTheSamplesLack) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(*c.points.begin());
-    const TMapCalibration map = Read(MapText(c.projection, c.points));
-    EXPECT_EQ(map.coordinates, c.mode);
-    ASSERT_EQ(map.points.size(), c.count);
-    EXPECT_EQ(map.projection.zone, c.zone);
+    std::string text = "OziExplorer Map Data File Version 2.2\r\nT\r\nt.png\r\n1 ,Map Code,\r\n"
+                       "WGS 84,,   0.0000,   0.0000,WGS 84\r\nMap Projection," + std::string(c.projection) +
+                       ",PolyCal,No,AutoCalOnly,No,BSBUseWPX,No\n";
+    for (std::string_view point : c.points) text.append(point).append("\n");
+    const TMapCalibration map = Read(text + "Projection Setup,,,,,,,,,,\n");
+    EXPECT_EQ(std::tuple(map.coordinates, map.points.size(), map.projection.zone), std::tuple(c.mode, c.count, c.zone));
     const std::string written = Write(map);
     EXPECT_NE(written.find(c.found), std::string::npos) << written;
     EXPECT_TRUE(Read(written) == map);
