@@ -65,14 +65,12 @@ TEST(PixelTransform, EachKindFitsItsPointsAndInverts) {
               {std::span(pairs).first(4), 0, LeastSquares, true, 0},
               {std::span(pairs).first(5), 2, LeastSquares, true, 0},
               {std::span(pairs).first(4), 2, Projective, true, 0},
-              {rowPairs, 2, LeastSquares, true, 0},
-              {kQuad, 2, Projective, false, 0},
+              {rowPairs, 2, LeastSquares, true, 0},         {kQuad, 2, Projective, false, 0},
               {std::span(pairs).first(2), 0, Similarity, false, 0},
               {std::span(pairs).first(2), 1, AxisScales, false, 0},
               {std::span(linePairs).first(3), 0, Similarity, false, 0},
               {std::span(linePairs).first(3), 1, AxisScales, false, 0},
-              {linePairs, 0, Similarity, false, 1},
-              {linePairs, 1, AxisScales, false, 1}};
+              {linePairs, 0, Similarity, false, 1},         {linePairs, 1, AxisScales, false, 1}};
   for (const auto& row : rows) {
     SCOPED_TRACE(testing::Message() << row.pairs.size() << " points, mode " << row.mode);
     TLog::Instance().ClearEntries();
@@ -139,7 +137,6 @@ TEST(PixelTransform, TrianglesAtTheLimits) {
 TEST(PixelTransform, TwoPointsOnOneRowOrColumn) {
   const std::tuple<const char*, TPointPair, int, bool> rows[] = {
       {"apart", {{5000, 4000}, {442000, 4570000}}, 1, true},
-      {"one column", {{100, 4000}, {442000, 4570000}}, 1, false},
       {"nearly one column", {{103.9, 4100}, {442000, 4570000}}, 1, false},
       {"just off a column", {{104.1, 4100}, {442000, 4570000}}, 1, true},
       {"one row", {{5000, 100}, {442000, 4570000}}, 1, false},
