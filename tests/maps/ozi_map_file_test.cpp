@@ -231,8 +231,7 @@ TEST_F(OziMapFile, SetupParametersReproduceTheGridOfTheSameMap) {
         if (p.pixelX != g.pixelX || p.pixelY != g.pixelY) continue;
         TPlanePoint plane;
         ASSERT_TRUE(projection->Forward({g.x, g.y}, plane, message)) << message;
-        EXPECT_NEAR(plane.x, p.x, 0.6);  // the grid files round to whole metres
-        EXPECT_NEAR(plane.y, p.y, 0.6);
+        EXPECT_LE(std::max(std::fabs(plane.x - p.x), std::fabs(plane.y - p.y)), 0.6);  // whole metres
         ++matched;
       }
     }
@@ -431,9 +430,8 @@ TEST_F(ImpFile, EverySectionReadsBackAndWritesTheSameBytes) {
   // Only a multi-layer map, which needs no image of its own, saves as the
   // main file.
   const auto folder = test::ScratchDir("imp-hipermap");
-  EXPECT_FALSE(WriteHipermapFile(folder.string(), map, error));
-  EXPECT_EQ(error, kImpNotMultiLayer);
-  EXPECT_FALSE(std::filesystem::exists(folder / kHipermapFileName));
+  const bool saved = WriteHipermapFile(folder.string(), map, error);
+  EXPECT_EQ(std::tuple(saved, error, fs::exists(folder / kHipermapFileName)), std::tuple(false, kImpNotMultiLayer, false));
   map.bitmap.clear();
   map.hipermapLayers = {{"relief.imp", "14", "8", true}, {"roads.map", "", "", false}};
   ASSERT_TRUE(ReadImp(ImpText(map), read, error)) << error;
@@ -452,9 +450,8 @@ TEST_F(ImpFile, WritesTheDocumentedLines) {
        {"\r\nProjection=1,Lat/Long,\r\n", "\r\nCoordinates=1\r\n",
         "\r\nDatum=WGS 84\r\n", "\r\nBitmap=a.png\r\nBitmapWidth=-1\r\nBitmapHeight=-1\r\n",
         "\r\n<Calibration>\r\nP0=-1.00000000,-1.00000000,A,200.00000000,0.00000000\r\n"
-        "</Calibration>\r\n"}) {
+        "</Calibration>\r\n"})
     EXPECT_NE(text.find(line), std::string::npos) << line;
-  }
 }
 
 TEST_F(ImpFile, RefusalsGiveTheSystemsTexts) {
@@ -543,11 +540,10 @@ TEST(OziProjection, SetupFieldsAndTheirDefaults) {
       {"(BNG) British National Grid", "1,2,3,4,5,6,7", {}},
   };
   for (const auto& [ozi, setup, expected] : cases) {
-    TMapProjection projection;
+    TMapProjection projection, back;
     std::string error;
     ASSERT_TRUE(ReadOziProjection(ozi, setup, projection, error)) << error;
     EXPECT_TRUE(projection == (TMapProjection{projection.name, expected, {}})) << setup;
-    TMapProjection back;
     ASSERT_TRUE(ReadOziProjection(ozi, OziProjectionSetupFields(projection), back, error));
     EXPECT_TRUE(back == projection) << OziProjectionSetupFields(projection);
   }
