@@ -524,10 +524,8 @@ TEST_F(ImpFile, SubMapsAreReadFromTheFilesFolder) {
 TEST(OziProjection, EveryRowNamesACatalogueKindAndReadsBothWays) {
   for (const TOziProjectionName& row : OziProjectionNames()) {
     const TProjectionKind* kind = FindProjectionKind(row.catalogue);
-    ASSERT_NE(kind, nullptr) << row.catalogue;
-    EXPECT_EQ(kind->name, row.catalogue);
-    EXPECT_EQ(FindOziProjection(row.ozi), &row);
-    EXPECT_EQ(FindOziProjectionOfCatalogue(row.catalogue), &row);
+    EXPECT_EQ(kind ? kind->name : "none", row.catalogue);
+    EXPECT_EQ(std::pair(FindOziProjection(row.ozi), FindOziProjectionOfCatalogue(row.catalogue)), std::pair(&row, &row));
   }
 }
 
