@@ -59,12 +59,11 @@ TEST(NmeaCaptures, CountsOfTheManifest) {
     TComandaNMEA sentence;
     for (const std::string& line : lines) {
       TErrorSink sink;
-      if (sentence.Parse(line, sink)) {
-        counts[2] += !sentence.ChecksumMatches();
-      } else {
-        counts[0] += sink.Records().at(0).message == kNmeaErrorNoDollar;
-        counts[1] += sink.Records().at(0).message == kNmeaErrorChecksumSection;
-      }
+      const bool parsed = sentence.Parse(line, sink);
+      const std::string refusal = parsed ? "" : sink.Records().at(0).message;
+      counts[0] += refusal == kNmeaErrorNoDollar;
+      counts[1] += refusal == kNmeaErrorChecksumSection;
+      counts[2] += parsed && !sentence.ChecksumMatches();
     }
     EXPECT_EQ(lines.size(), c.lines ? c.lines : lines.size());
     EXPECT_EQ(std::tuple(counts[0], counts[1], counts[2]), std::tuple(c.noDollar, c.checksumSection, c.mismatched));
