@@ -6,13 +6,14 @@
 #include <sstream>
 
 #include "cli/command.h"
+#include "script/script_host.h"
 #include "script/velan_script_base.h"
 
 namespace velantis::cli {
 
 namespace {
 
-int RunScript(const std::string& path) {
+int RunScript(const std::string& path, const TGlobalOptions& global) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     PrintError("Error opening " + path);
@@ -20,7 +21,13 @@ int RunScript(const std::string& path) {
   }
   std::ostringstream text;
   text << file.rdbuf();
+  // The script's Config is the program's configuration, written back to
+  // its gps.ini; its positions use the program's datums.
+  TRuntime runtime;
+  if (!StartRuntime(global, runtime)) return kExitRefused;
+  TLocalScriptHost host(runtime.config, runtime.datums);
   TVelanScriptBase script;
+  script.SetHost(host);
   script.SetEchoSink([](std::string_view echoed) { std::cout << echoed << std::flush; });
   try {
     script.Load(text.str());
@@ -34,11 +41,11 @@ int RunScript(const std::string& path) {
 
 }  // namespace
 
-void AddScriptCommand(CLI::App& app, const TGlobalOptions&, int& exitCode) {
+void AddScriptCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto* command = app.add_subcommand("script", "run a script file");
   auto path = std::make_shared<std::string>();
   command->add_option("FILE", *path, "the script")->required();
-  command->callback([path, &exitCode] { exitCode = RunScript(*path); });
+  command->callback([path, &global, &exitCode] { exitCode = RunScript(*path, global); });
 }
 
 }  // namespace velantis::cli

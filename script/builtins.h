@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "script/script_objects.h"
 #include "script/token_node.h"
 #include "script/var_velan_script.h"
 
@@ -21,6 +22,9 @@ struct TBuiltinCall {
 
   double Number(size_t i) const;            // "Should be Numeric!"
   const std::string& Text(size_t i) const;  // "Should be String!"
+  // "Should be an Object!"; "Error, wrong ptr at ObjectAtPtr" for a
+  // reference that is no longer live.
+  TScriptObject& Object(size_t i) const;
 };
 
 using TFreeFunction = void (*)(TBuiltinCall& call);

@@ -17,7 +17,11 @@
 #include <string>
 #include <vector>
 
+#include "script/application_commands.h"
 #include "script/builtins.h"
+#include "script/global_objects.h"
+#include "script/object_methods.h"
+#include "script/object_properties.h"
 #include "script/resolved_expression.h"
 #include "script/script_error.h"
 #include "script/velan_script_base.h"
@@ -146,25 +150,107 @@ private:
       case kTokString: return Constant(TVarVelanScript(item.token->text), item.token);
       case kTokWord:
         return {TOperand::TKind::Variable, m_script.SlotOf(item.token->text), item.token};
-      default: return ReadChain(item.value, item.names, item.names.size(), item.token);
+      default: return ReadChain(item, item.names.size());
     }
   }
 
-  TOperand ReadChain(TOperand receiver, const std::vector<uint32_t>& names, size_t count,
-                     const TTokenNode* at) {
-    for (size_t i = 0; i < count; ++i) {
-      TInstruction read = Op(TOpCode::Property, at, receiver);
-      read.name = names[i];
+  // The property a chain's names from i on name: "Rect" takes the part
+  // after it, so it may use two names; used tells how many.
+  int PropertyAt(const std::vector<uint32_t>& names, size_t i, size_t count, size_t& used) {
+    used = 1;
+    const std::string& name = m_out.names[names[i]];
+    if (name != "Rect" || i + 1 >= count) return FindProperty(name);
+    used = 2;
+    const int part = FindRectPart(m_out.names[names[i + 1]]);
+    if (part < 0) throw TStop{kWrongRectProperty, nullptr};
+    return kViaRect + part;
+  }
+
+  // The first count names of the chain read one after the other; Config's
+  // first name is a configuration key.
+  TOperand ReadChain(const TItem& chain, size_t count) {
+    TOperand receiver = chain.value;
+    size_t i = 0;
+    if (count > 0 && GlobalOf(chain) == "Config") {
+      TInstruction read = Op(TOpCode::ConfigRead, chain.token);
+      read.target = ConfigKey(chain.names[0], chain.token);
       receiver = Emit(read);
+      i = 1;
+    }
+    while (i < count) {
+      size_t used = 1;
+      TInstruction read = Op(TOpCode::Property, chain.token, receiver);
+      read.target = PropertyOrStop(chain, i, count, used);
+      read.name = chain.names[i];
+      receiver = Emit(read);
+      i += used;
     }
     return receiver;
   }
 
-  // The target of an assignment or a postfix step: a variable, or a member
-  // chain (whose last name is read: no object type takes assignments yet).
+  int PropertyOrStop(const TItem& chain, size_t i, size_t count, size_t& used) {
+    try {
+      return PropertyAt(chain.names, i, count, used);
+    } catch (TStop& stop) {
+      stop.at = chain.token;
+      throw;
+    }
+  }
+
+  int32_t ConfigKey(uint32_t name, const TTokenNode* at) {
+    const int key = FindConfigKey(m_out.names[name]);
+    if (key < 0) throw TStop{kWrongConfigProperty, at};
+    return key;
+  }
+
+  // The target of a postfix step: a variable.
   TOperand TargetOf(const TItem& item, const TTokenNode& op) {
-    if (item.kind != kTokWord && item.kind != kTokDotWord) throw TStop{kSyntaxError, &op};
+    if (item.kind != kTokWord) throw TStop{kSyntaxError, &op};
     return ValueOf(item);
+  }
+
+  // x.Name = value, x.Rect.lat1 = value, Config.Key = value, and the
+  // compound forms (read, operate, assign).
+  TOperand AssignMember(const TItem& chain, int32_t op, TOperand value, const TTokenNode& at) {
+    const size_t count = chain.names.size();
+    if (count == 1 && GlobalOf(chain) == "Config") {
+      const int32_t key = ConfigKey(chain.names[0], chain.token);
+      if (op != kTokAssign) value = Combine(op, ReadChain(chain, 1), value, at);
+      TInstruction write = Op(TOpCode::ConfigWrite, chain.token, value);
+      write.target = key;
+      return Emit(write);
+    }
+    size_t last = count - 1, used = 1;
+    if (count >= 2 && m_out.names[chain.names[count - 2]] == "Rect") last = count - 2;
+    const TOperand receiver = ReadChain(chain, last);
+    const int property = PropertyOrStop(chain, last, count, used);
+    if (op != kTokAssign) {
+      TInstruction read = Op(TOpCode::Property, chain.token, receiver);
+      read.target = property;
+      read.name = chain.names[last];
+      value = Combine(op, Emit(read), value, at);
+    }
+    TInstruction write = Op(TOpCode::SetProperty, chain.token, receiver);
+    write.b = value;
+    write.target = property;
+    write.name = chain.names[last];
+    return Emit(write);
+  }
+
+  TOperand Combine(int32_t op, TOperand current, TOperand value, const TTokenNode& at) {
+    TInstruction combine = Op(TOpCode::Binary, &at, current);
+    combine.tokenKind = CompoundBaseOf(op);
+    combine.b = value;
+    return Emit(combine);
+  }
+
+  static int32_t CompoundBaseOf(int32_t op) {
+    switch (op) {
+      case kTokAddAssign: return kTokPlus;
+      case kTokSubAssign: return kTokMinus;
+      case kTokMulAssign: return kTokMul;
+      default: return kTokDiv;
+    }
   }
 
   void Replace(std::vector<TItem>& items, size_t first, size_t count, TOperand value) {
@@ -205,11 +291,49 @@ private:
     return EmitCall(TOpCode::CallFree, builtin, Name(name), {}, args, word.token);
   }
 
+  // The global object a chain starts with: its word, when the receiver is a
+  // plain name ("" otherwise). The globals are names, not values.
+  std::string_view GlobalOf(const TItem& chain) const {
+    if (chain.value.kind != TOperand::TKind::Variable) return {};
+    return chain.token->text;
+  }
+
+  TOperand CommandCall(const TItem& chain, const std::vector<TOperand>& args) {
+    const std::string& name = m_out.names[chain.names[0]];
+    const int command = FindApplicationCommand(name);
+    if (command < 0) throw TStop{WithName(kUnknownCommand, name), chain.token};
+    if (ApplicationCommand(command).argCount != args.size())
+      throw TStop{WithName(kTooFewParameters, name), chain.token};
+    return EmitCall(TOpCode::CallCommand, command, chain.names[0], {}, args, chain.token);
+  }
+
+  TOperand MonitorCall(const TItem& chain, const std::vector<TOperand>& args) {
+    const std::string& name = m_out.names[chain.names[0]];
+    const int method = FindMonitorMethod(name);
+    if (method < 0) throw TStop{WithName(kUnknownFunction, name), chain.token};
+    if (MonitorMethods()[static_cast<size_t>(method)].argCount != args.size())
+      throw TStop{WithName(kTooFewParameters, name), chain.token};
+    return EmitCall(TOpCode::CallMonitor, method, chain.names[0], {}, args, chain.token);
+  }
+
   TOperand MethodCall(const TItem& chain, const std::vector<TOperand>& args) {
-    const TOperand receiver = ReadChain(chain.value, chain.names, chain.names.size() - 1, chain.token);
-    const std::string& method = m_out.names[chain.names.back()];
-    return EmitCall(TOpCode::CallMethod, FindStringMethod(method), chain.names.back(), receiver,
-                    args, chain.token);
+    if (chain.names.size() == 1 && GlobalOf(chain) == "Velantis") return CommandCall(chain, args);
+    if (chain.names.size() == 1 && GlobalOf(chain) == "Monitor") return MonitorCall(chain, args);
+    const TOperand receiver = ReadChain(chain, chain.names.size() - 1);
+    return MethodOf(receiver, chain.names.back(), args, chain.token);
+  }
+
+  TOperand MethodOf(TOperand receiver, uint32_t name, const std::vector<TOperand>& args, const TTokenNode* at) {
+    const std::string& method = m_out.names[name];
+    const auto start = static_cast<uint32_t>(m_out.args.size());
+    m_out.args.insert(m_out.args.end(), args.begin(), args.end());
+    TInstruction call = Op(TOpCode::CallMethod, at, receiver);
+    call.argStart = start;
+    call.argCount = static_cast<uint32_t>(args.size());
+    call.target = FindStringMethod(method);
+    call.method = FindObjectMethodName(method);
+    call.name = name;
+    return Emit(call);
   }
 
   void JoinMember(std::vector<TItem>& items, size_t i, const TTokenNode& node) {
@@ -235,9 +359,7 @@ private:
   void ApplyIndex(std::vector<TItem>& items, size_t i) {
     const TOperand receiver = ValueOf(items[i - 1]);
     const std::vector<TOperand> args = ResolveArguments(*items[i].token);
-    Replace(items, i - 1, 2,
-            EmitCall(TOpCode::CallMethod, FindStringMethod("Elem"), Name("Elem"), receiver, args,
-                     items[i].token));
+    Replace(items, i - 1, 2, MethodOf(receiver, Name("Elem"), args, items[i].token));
   }
 
   void MemberAccessAndCalls(std::vector<TItem>& items, const TTokenNode& node) {
@@ -297,6 +419,11 @@ private:
       if (op == kTokAssign && i + 1 < items.size() && items[i + 1].kind == kTokBlock)
         throw TStop{kBlockInAssign, items[i + 1].token};
       if (i + 1 >= items.size() || !IsValue(items[i + 1].kind)) throw TStop{kSyntaxError, &at};
+      if (IsAssignment(op) && items[i - 1].kind == kTokDotWord) {
+        Replace(items, i - 1, 3, AssignMember(items[i - 1], op, ValueOf(items[i + 1]), at));
+        --i;
+        continue;
+      }
       TInstruction instruction = Op(TOpCode::Binary, &at);
       instruction.tokenKind = op;
       if (IsAssignment(op)) {

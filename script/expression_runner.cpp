@@ -2,7 +2,11 @@
 // temporary in the interpreter's stack of temporaries.
 #include <vector>
 
+#include "script/application_commands.h"
 #include "script/builtins.h"
+#include "script/global_objects.h"
+#include "script/object_methods.h"
+#include "script/object_properties.h"
 #include "script/operators.h"
 #include "script/resolved_expression.h"
 #include "script/velan_script_base.h"
@@ -11,7 +15,6 @@ namespace velantis {
 
 namespace {
 constexpr const char* kUnknownVariable = "Unknown variable '%s'";
-constexpr const char* kNoProperty = "This object has no '%s' property";
 }  // namespace
 
 class TExpressionRunner {
@@ -93,9 +96,12 @@ private:
       case TOpCode::CallFree: return CallFree(in);
       case TOpCode::CallMethod: return CallMethod(in);
       case TOpCode::CallDeclared: return CallDeclared(in);
-      case TOpCode::Property:
-        Read(in.a);
-        throw TScriptError(WithName(kNoProperty, m_expression.names[in.name]), *in.at);
+      case TOpCode::CallCommand: return CallCommand(in);
+      case TOpCode::CallMonitor: return CallMonitor(in);
+      case TOpCode::Property: return Property(in);
+      case TOpCode::SetProperty: return SetProperty(in);
+      case TOpCode::ConfigRead: return ConfigRead(in);
+      case TOpCode::ConfigWrite: return ConfigWrite(in);
     }
   }
 
@@ -131,6 +137,63 @@ private:
     Temp(in.dest) = std::move(result);
   }
 
+  // Properties, the configuration and Monitor: calls without arguments
+  // into their own files.
+  void Property(const TInstruction& in) {
+    std::vector<TVarVelanScript> none;
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, none, result, *in.at};
+    ReadProperty(call, Read(in.a), in.target, m_expression.names[in.name]);
+    Temp(in.dest) = std::move(result);
+  }
+
+  void SetProperty(const TInstruction& in) {
+    std::vector<TVarVelanScript> none;
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, none, result, *in.at};
+    const TVarVelanScript& value = Read(in.b);
+    AssignProperty(call, Read(in.a), in.target, m_expression.names[in.name], value);
+    Temp(in.dest) = value;
+  }
+
+  void ConfigRead(const TInstruction& in) {
+    std::vector<TVarVelanScript> none;
+    TBuiltinCall call{m_script, none, Temp(in.dest), *in.at};
+    ReadConfig(call, in.target);
+  }
+
+  void ConfigWrite(const TInstruction& in) {
+    std::vector<TVarVelanScript> none;
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, none, result, *in.at};
+    const TVarVelanScript& value = Read(in.a);
+    AssignConfig(call, in.target, value);
+    Temp(in.dest) = value;
+  }
+
+  void CallMonitor(const TInstruction& in) {
+    std::vector<TVarVelanScript> args = Arguments(in);
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, args, result, *in.at};
+    MonitorMethods()[static_cast<size_t>(in.target)].function(call);
+    Temp(in.dest) = std::move(result);
+  }
+
+  void CallObjectMethod(const TInstruction& in, const TVarVelanScript& receiver) {
+    TScriptObject* object = m_script.m_objects.At(receiver.number);
+    if (!object) throw TScriptError(kWrongPtr, *in.at);
+    const std::string& name = m_expression.names[in.name];
+    const TObjectBuiltin* method = ObjectMethod(object->Kind(), in.method);
+    if (!method && IsRectProjOnlyMethod(in.method)) throw TScriptError(kShouldBeRectProj, *in.at);
+    if (!method) throw TScriptError(WithName(kUnknownFunction, name), *in.at);
+    std::vector<TVarVelanScript> args = Arguments(in);
+    if (args.size() != method->argCount) throw TScriptError(WithName(kTooFewParameters, name), *in.at);
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, args, result, *in.at};
+    method->method(call, *object);
+    Temp(in.dest) = std::move(result);
+  }
+
   void CallMethod(const TInstruction& in) {
     const std::string& name = m_expression.names[in.name];
     TVarVelanScript constant;
@@ -138,6 +201,8 @@ private:
     if (in.a.kind == TOperand::TKind::Variable) receiver = &Variable(in.a).value;
     else if (in.a.kind == TOperand::TKind::Temp) receiver = &Temp(in.a.index);
     else constant = Read(in.a);
+    if (receiver->IsObject()) return CallObjectMethod(in, *receiver);
+    if (IsRectProjOnlyMethod(in.method)) throw TScriptError(kShouldBeRectProj, *in.at);
     if (in.target < 0) throw TScriptError(WithName(kUnknownFunction, name), *in.at);
     if (!receiver->IsString()) throw TScriptError(kObjectShouldBeString, *in.at);
     std::vector<TVarVelanScript> args = Arguments(in);
@@ -146,6 +211,22 @@ private:
     TVarVelanScript result;
     TBuiltinCall call{m_script, args, result, *in.at};
     StringMethod(in.target).method(call, receiver->text);
+    Temp(in.dest) = std::move(result);
+  }
+
+  // A failure of the application below a command (memory, file system, a
+  // library) names the command; the script's own errors pass as they are.
+  void CallCommand(const TInstruction& in) {
+    std::vector<TVarVelanScript> args = Arguments(in);
+    TVarVelanScript result;
+    TBuiltinCall call{m_script, args, result, *in.at};
+    try {
+      ApplicationCommand(in.target).function(call);
+    } catch (const TScriptError&) {
+      throw;
+    } catch (const std::exception&) {
+      throw TScriptError(kEngineException + m_expression.names[in.name], *in.at);
+    }
     Temp(in.dest) = std::move(result);
   }
 

@@ -14,6 +14,7 @@
 #include <thread>
 
 #include "script/builtins.h"
+#include "script/object_functions.h"
 #include "script/script_error.h"
 #include "script/velan_script_base.h"
 
@@ -94,6 +95,14 @@ void RoundInt(TBuiltinCall& call) {
   call.result.SetNumber(std::trunc(x >= 0 ? x + 0.5 : x - 0.5));
 }
 
+// The reference whose number this is: a reference kept as a number
+// (("" + obj).atoi()) becomes an object again.
+void ObjectAtPtr(TBuiltinCall& call) {
+  const double number = call.Number(0);
+  if (!call.script.Objects().At(number)) throw TScriptError(kWrongPtr, call.at);
+  call.result.SetObject(static_cast<uint32_t>(number));
+}
+
 void Max(TBuiltinCall& call) { call.result.SetNumber(std::fmax(call.Number(0), call.Number(1))); }
 void Min(TBuiltinCall& call) { call.result.SetNumber(std::fmin(call.Number(0), call.Number(1))); }
 
@@ -105,6 +114,8 @@ constexpr TFreeBuiltin kFreeFunctions[] = {
     {"FileRename", 2, FileRename},           {"CreateDirectory", 1, CreateDirectory},
     {"DirectoryExists", 1, DirectoryExists}, {"RoundInt", 1, RoundInt},
     {"max", 2, Max},                         {"min", 2, Min},
+    {"ObjectAtPtr", 1, ObjectAtPtr},         {"new", 1, NewObject},
+    {"SetProjection", 2, SetProjection},
 };
 
 }  // namespace

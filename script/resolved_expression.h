@@ -39,7 +39,12 @@ enum class TOpCode : uint8_t {
   CallFree,      // built-in free function
   CallMethod,    // a: receiver; method of the receiver's kind
   CallDeclared,  // function declared in the script
-  Property,      // a: receiver; names[name] read as a property
+  CallCommand,   // application command (Velantis.Name)
+  Property,      // a: receiver; property target read (name for messages)
+  SetProperty,   // a: receiver; property target = b
+  ConfigRead,    // configuration key target
+  ConfigWrite,   // configuration key target = a
+  CallMonitor,   // Monitor method
 };
 
 struct TInstruction {
@@ -48,7 +53,8 @@ struct TInstruction {
   TOperand a, b;
   uint32_t dest = 0;      // temporary written
   uint32_t argStart = 0, argCount = 0;
-  int32_t target = -1;    // built-in, method or declared function; -1 unknown
+  int32_t target = -1;    // built-in, method, declared function, property or key; -1 unknown
+  int32_t method = -1;    // CallMethod: the object method's name id; -1 none has it
   uint32_t name = 0;      // index in names: the called or read name, or the message
   const TTokenNode* at = nullptr;
 };

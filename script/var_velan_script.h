@@ -1,13 +1,16 @@
-// A script value: a number (double; booleans are 1 and 0) or an 8-bit
-// string. References to application objects are not held yet.
+// A script value: a number (double; booleans are 1 and 0), an 8-bit string
+// or a reference to an application object. A reference is the object's
+// reference number (see script_objects.h) kept in `number`, so copying one
+// costs what copying a number does.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace velantis {
 
 struct TVarVelanScript {
-  enum class TKind : unsigned char { Number, String };
+  enum class TKind : unsigned char { Number, String, Object };
 
   TKind kind = TKind::Number;
   double number = 0;
@@ -19,6 +22,13 @@ struct TVarVelanScript {
 
   bool IsNumber() const { return kind == TKind::Number; }
   bool IsString() const { return kind == TKind::String; }
+  bool IsObject() const { return kind == TKind::Object; }
+  // The reference number of an object value.
+  uint32_t Reference() const { return static_cast<uint32_t>(number); }
+  void SetObject(uint32_t reference) {
+    kind = TKind::Object;
+    number = reference;
+  }
   void SetNumber(double n) {
     kind = TKind::Number;
     number = n;
@@ -27,8 +37,8 @@ struct TVarVelanScript {
     kind = TKind::String;
     text = std::move(s);
   }
-  // The value as a string joins it: a string as it is, a number as
-  // NumberText writes it.
+  // The value as a string joins it: a string as it is, a number (and a
+  // reference, by its number) as NumberText writes it.
   std::string AsText() const;
 };
 

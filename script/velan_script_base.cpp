@@ -14,6 +14,7 @@
 #include "script/grouping.h"
 #include "script/resolved_expression.h"
 #include "script/scanner.h"
+#include "script/script_host.h"
 
 namespace velantis {
 
@@ -101,6 +102,14 @@ void TVelanScriptBase::Ejecuta() {
   } catch (const std::exception&) {  // the system's own failures (memory, file system)
     throw TScriptError(kUndefError, *m_root);
   }
+}
+
+TScriptHost& TVelanScriptBase::Host() {
+  if (!m_host) {
+    m_ownHost = std::make_unique<TLocalScriptHost>();
+    m_host = m_ownHost.get();
+  }
+  return *m_host;
 }
 
 void TVelanScriptBase::Echo(std::string_view text) {

@@ -20,12 +20,14 @@
 #include <vector>
 
 #include "script/script_error.h"
+#include "script/script_objects.h"
 #include "script/token_node.h"
 #include "script/var_velan_script.h"
 
 namespace velantis {
 
 struct TResolvedExpression;
+class TScriptHost;
 
 // Bounds that keep a run of untrusted text finite in memory and stack.
 struct TScriptLimits {
@@ -68,6 +70,18 @@ public:
 
   const TTokenNode* Root() const { return m_root.get(); }
 
+  // The application side (not owned); a TLocalScriptHost of the script's
+  // own until one is set.
+  void SetHost(TScriptHost& host) { m_host = &host; }
+  TScriptHost& Host();
+  TScriptObjects& Objects() { return m_objects; }
+  // A new object's value.
+  TVarVelanScript Reference(std::shared_ptr<TScriptObject> object) {
+    TVarVelanScript value;
+    value.SetObject(m_objects.Add(std::move(object)));
+    return value;
+  }
+
   // For the resolver and the evaluator.
   struct TSlot {
     std::string name;
@@ -105,6 +119,9 @@ private:
   int m_depth = 0;
   std::string m_output;
   std::function<void(std::string_view)> m_echoSink;
+  TScriptHost* m_host = nullptr;
+  std::unique_ptr<TScriptHost> m_ownHost;
+  TScriptObjects m_objects;
 
   friend class TExpressionRunner;
 
