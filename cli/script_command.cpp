@@ -1,36 +1,60 @@
 // velantis script FILE: runs a script; Echo goes to stdout, an error to
 // stderr. An error found while loading is reported before anything runs.
+// velantis script --start runs the command of ExecCommand_at_Start instead
+// (exec_program.h). Prompts talk on stdin and stderr.
 #include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
 #include "cli/command.h"
+#include "script/exec_program.h"
 #include "script/script_host.h"
+#include "script/user_prompt.h"
 #include "script/velan_script_base.h"
 
 namespace velantis::cli {
 
 namespace {
 
-int RunScript(const std::string& path, const TGlobalOptions& global) {
+bool ReadScript(const std::string& path, std::string& text) {
   std::ifstream file(path, std::ios::binary);
-  if (!file) {
+  if (!file) return false;
+  std::ostringstream bytes;
+  bytes << file.rdbuf();
+  text = bytes.str();
+  return true;
+}
+
+// What a script's Exec runs: this program with this run's folders.
+void SetExecFolders(const TFolders& folders) {
+  SetExecProgram({ExecProgram().front(), "--data-dir", folders.dataDir, "--user-dir", folders.userDir, "--config",
+                  folders.configFile});
+}
+
+int RunScript(const std::string& path, bool start, const TGlobalOptions& global) {
+  std::string text;
+  if (!start && !ReadScript(path, text)) {
     PrintError("Error opening " + path);
     return kExitRefused;
   }
-  std::ostringstream text;
-  text << file.rdbuf();
   // The script's Config is the program's configuration, written back to
   // its gps.ini; its positions use the program's datums.
   TRuntime runtime;
   if (!StartRuntime(global, runtime)) return kExitRefused;
+  if (start && (text = StartCommandScript(runtime.config.ExecCommand_at_Start)).empty()) {
+    PrintError("No command in ExecCommand_at_Start");
+    return kExitRefused;
+  }
+  SetExecFolders(runtime.folders);
   TLocalScriptHost host(runtime.config, runtime.datums);
+  TTerminalPrompt terminal = TTerminalPrompt::OnStandardStreams();
+  host.SetTerminal(&terminal);
   TVelanScriptBase script;
   script.SetHost(host);
   script.SetEchoSink([](std::string_view echoed) { std::cout << echoed << std::flush; });
   try {
-    script.Load(text.str());
+    script.Load(text);
     script.Ejecuta();
   } catch (const TScriptError& error) {
     PrintError(error.what());
@@ -44,8 +68,13 @@ int RunScript(const std::string& path, const TGlobalOptions& global) {
 void AddScriptCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto* command = app.add_subcommand("script", "run a script file");
   auto path = std::make_shared<std::string>();
-  command->add_option("FILE", *path, "the script")->required();
-  command->callback([path, &global, &exitCode] { exitCode = RunScript(*path, global); });
+  auto start = std::make_shared<bool>(false);
+  auto* file = command->add_option("FILE", *path, "the script");
+  command->add_flag("--start", *start, "run the command of ExecCommand_at_Start")->excludes(file);
+  command->callback([path, start, &global, &exitCode] {
+    if (!*start && path->empty()) throw CLI::RequiredError("FILE");
+    exitCode = RunScript(*path, *start, global);
+  });
 }
 
 }  // namespace velantis::cli

@@ -38,4 +38,9 @@ void SetExecProgram(std::vector<std::string> words) {
   g_words = std::move(words);
 }
 
+std::string StartCommandScript(std::string_view command) {
+  if (command.find_first_not_of(" \t") == std::string_view::npos) return "";
+  return "Velantis.Exec(" + std::string(command) + ");\r\n";
+}
+
 }  // namespace velantis

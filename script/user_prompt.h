@@ -1,8 +1,7 @@
-// The user's side of a script: the messages it shows (MessageBox, Warning)
-// and the answers it asks for (InputUser). The host gives the script one
-// prompt; without one the commands that need the user fail.
+// The script terminal (TScriptTerminal of script_host.h: the messages of
+// MessageBox and Warning, the answers of InputUser) on a real terminal.
 //
-// TTerminalPrompt talks on a terminal: POSIX file descriptors (tested on a
+// TTerminalPrompt talks: POSIX file descriptors (tested on a
 // pseudo-terminal), console handles under Win32. Messages go to the output
 // descriptor, never to stdout's Echo text when the host passes stderr.
 // - Message: the text and a line feed; when the input is a terminal it then
@@ -17,16 +16,9 @@
 #include <string>
 #include <string_view>
 
-namespace velantis {
+#include "script/script_host.h"
 
-class TUserPrompt {
-public:
-  virtual ~TUserPrompt() = default;
-  virtual void Message(std::string_view text) = 0;
-  virtual void Warning(std::string_view text) = 0;
-  // False when the user cancels.
-  virtual bool Input(std::string_view prompt, std::string& answer) = 0;
-};
+namespace velantis {
 
 inline constexpr std::string_view kWarningPrefix = "Warning: ";
 
@@ -36,9 +28,12 @@ using TTerminalHandle = void*;  // a console HANDLE
 using TTerminalHandle = int;    // a file descriptor
 #endif
 
-class TTerminalPrompt : public TUserPrompt {
+class TTerminalPrompt : public TScriptTerminal {
 public:
   TTerminalPrompt(TTerminalHandle input, TTerminalHandle output) : m_input(input), m_output(output) {}
+  // Standard input for the answers, standard error for the messages (so
+  // that standard output keeps only the script's Echo text).
+  static TTerminalPrompt OnStandardStreams();
   void Message(std::string_view text) override;
   void Warning(std::string_view text) override;
   bool Input(std::string_view prompt, std::string& answer) override;

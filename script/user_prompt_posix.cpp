@@ -7,6 +7,8 @@
 
 namespace velantis {
 
+TTerminalPrompt TTerminalPrompt::OnStandardStreams() { return TTerminalPrompt(STDIN_FILENO, STDERR_FILENO); }
+
 void TTerminalPrompt::Write(std::string_view text) {
   while (!text.empty()) {
     const ssize_t n = ::write(m_output, text.data(), text.size());

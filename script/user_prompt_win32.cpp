@@ -5,6 +5,10 @@
 
 namespace velantis {
 
+TTerminalPrompt TTerminalPrompt::OnStandardStreams() {
+  return TTerminalPrompt(GetStdHandle(STD_INPUT_HANDLE), GetStdHandle(STD_ERROR_HANDLE));
+}
+
 void TTerminalPrompt::Write(std::string_view text) {
   DWORD written = 0;
   while (!text.empty() && WriteFile(m_output, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) &&
