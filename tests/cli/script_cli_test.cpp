@@ -15,7 +15,20 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string Trimmed(std::string text) { return text.erase(text.find_last_not_of(' ') + 1); }
+// One text line per point: position to 1e-6 degrees, name or time.
+std::vector<std::string> Points(const TElementFile& file) {
+  std::vector<std::string> lines;
+  const auto add = [&lines](double lat, double lon, std::string more) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.6f %.6f ", lat, lon);
+    lines.push_back(text + more.erase(more.find_last_not_of(' ') + 1));
+  };
+  for (const TBaliza& w : file.waypoints.Balizas()) add(w.Latitude(), w.Longitude(), w.Name());
+  for (size_t i = 0; i < file.route.Count(); ++i)
+    add(file.route.Point(i).baliza.Latitude(), file.route.Point(i).baliza.Longitude(), file.route.Point(i).baliza.Name());
+  for (const TrkPnt& p : file.track.Points()) add(p.lat, p.lon, p.time.ToIsoText());
+  return lines;
+}
 
 // Flight logs become native tracks; waypoint and route files become native
 // files of their own kind.
@@ -48,46 +61,17 @@ TEST(ScriptProgram, ConvertsEveryFileOfAFolder) {
   EXPECT_EQ(run.out, "9crx3101.igc\nozi.rte\nozi1.wpt\ntri.igc\n");
   EXPECT_EQ(run.err, "");
 
-  // Each output holds what its input holds, read back by the readers.
-  const std::pair<const char*, const char*> outputs[] = {
-      {"tri.igc", "tri.trk"}, {"9crx3101.igc", "9crx3101.trk"}, {"ozi1.wpt", "ozi1.wpt"}, {"ozi.rte", "ozi.rte"}};
-  for (const auto& [in, out] : outputs) {
-    SCOPED_TRACE(out);
-    TElementFile original, converted;
+  // Each output holds the positions (and track times) of its input, read
+  // back by the readers; names lose the native file's padding to six.
+  for (const auto& [in, out] : {std::pair{"tri.igc", "tri.trk"}, {"9crx3101.igc", "9crx3101.trk"},
+                                {"ozi1.wpt", "ozi1.wpt"}, {"ozi.rte", "ozi.rte"}}) {
+    TElementFile a, b;
     std::string error;
-    ASSERT_TRUE(OpenElementFile((dir / "in" / in).string(), TNativeOptions{}, original, error)) << error;
-    ASSERT_TRUE(OpenElementFile((dir / "out" / out).string(), TNativeOptions{}, converted, error)) << error;
-    ASSERT_EQ(converted.kind, original.kind);
-    switch (original.kind) {
-      case TElementKind::Track:
-        ASSERT_EQ(converted.track.Count(), original.track.Count());
-        ASSERT_GT(original.track.Count(), 100u);
-        for (size_t i : {size_t{0}, original.track.Count() / 2, original.track.Count() - 1}) {
-          EXPECT_NEAR(converted.track.Point(i).lat, original.track.Point(i).lat, 1e-6);
-          EXPECT_NEAR(converted.track.Point(i).lon, original.track.Point(i).lon, 1e-6);
-          EXPECT_EQ(converted.track.Point(i).time.ToIsoText(), original.track.Point(i).time.ToIsoText());
-        }
-        break;
-      case TElementKind::Waypoints:
-        ASSERT_EQ(converted.waypoints.Count(), 11u);
-        ASSERT_EQ(original.waypoints.Count(), 11u);
-        for (size_t i = 0; i < 11; ++i) {
-          // The native file pads names to six characters.
-          EXPECT_EQ(Trimmed(converted.waypoints.Baliza(i).Name()), original.waypoints.Baliza(i).Name());
-          EXPECT_NEAR(converted.waypoints.Baliza(i).Latitude(), original.waypoints.Baliza(i).Latitude(), 1e-6);
-          EXPECT_NEAR(converted.waypoints.Baliza(i).Longitude(), original.waypoints.Baliza(i).Longitude(), 1e-6);
-        }
-        EXPECT_FALSE(converted.waypoints.FromOziExplorer()) << "written as a native file";
-        break;
-      default:
-        ASSERT_EQ(converted.route.Count(), 2u);
-        ASSERT_EQ(original.route.Count(), 2u);
-        for (size_t i = 0; i < 2; ++i) {
-          EXPECT_NEAR(converted.route.Point(i).baliza.Latitude(), original.route.Point(i).baliza.Latitude(), 1e-6);
-          EXPECT_NEAR(converted.route.Point(i).baliza.Longitude(), original.route.Point(i).baliza.Longitude(), 1e-6);
-        }
-        EXPECT_FALSE(converted.route.FromOziExplorer()) << "written as a native file";
-    }
+    ASSERT_TRUE(OpenElementFile((dir / "in" / in).string(), TNativeOptions{}, a, error)) << error;
+    ASSERT_TRUE(OpenElementFile((dir / "out" / out).string(), TNativeOptions{}, b, error)) << error;
+    EXPECT_EQ(Points(b), Points(a)) << out;
+    EXPECT_GE(Points(a).size(), 2u) << out;
+    EXPECT_FALSE(b.waypoints.FromOziExplorer() || b.route.FromOziExplorer()) << "written as native files";
   }
 }
 
@@ -118,13 +102,15 @@ TEST(ScriptProgram, CommandLineStartAndPrompts) {
   EXPECT_EQ(run.err, "velantis: No command in ExecCommand_at_Start\n");
   EXPECT_EQ(RunVelantis({"script"}).exitCode, 2);
 
+  // On pipes: a message does not wait (the line stays for the question),
+  // a last line without its line feed is an answer, end of input a cancel.
   const fs::path script = dir / "ask.vs";
-  std::ofstream(script) << "a = Velantis.InputUser(\"Name?\", \"peak\"); Velantis.Warning(\"w\");\n"
+  std::ofstream(script) << "Velantis.MessageBox(\"m\"); a = Velantis.InputUser(\"Name?\", \"peak\");\n"
                            "r = Velantis.Exec(\"info /none.trk\"); Echo(a + r);\n"
                            "b = Velantis.InputUser(\"Again?\", \"\");";
-  run = RunVelantis({"script", script.string()}, "\n", {}, user.string());
-  EXPECT_EQ(run.out, "peak1");
-  EXPECT_EQ(run.err, "Name? [peak]: Warning: w\nvelantis: Error opening /none.trk\nAgain? []: "
+  run = RunVelantis({"script", script.string()}, "Hut", {}, user.string());
+  EXPECT_EQ(run.out, "Hut1");
+  EXPECT_EQ(run.err, "m\nName? [peak]: velantis: Error opening /none.trk\nAgain? []: "
                      "velantis: Script Stopped InputUser\n");
   EXPECT_EQ(run.exitCode, 1);
 }
