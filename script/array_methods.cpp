@@ -27,13 +27,9 @@ void Count(TBuiltinCall& call, TScriptObject& self) {
   call.result.SetNumber(static_cast<double>(Values(self).size()));
 }
 
-// A reference whose object is gone cannot be handed out again.
 void Elem(TBuiltinCall& call, TScriptObject& self) {
   const std::vector<TVarVelanScript>& values = Values(self);
-  const TVarVelanScript& value = values[IndexArgument(call, 0, values.size())];
-  if (value.IsObject() && !call.script.Objects().At(value.number))
-    throw TScriptError("Error copying object", call.at);
-  call.result = value;
+  call.result = values[IndexArgument(call, 0, values.size())];
 }
 
 void Contains(TBuiltinCall& call, TScriptObject& self) {

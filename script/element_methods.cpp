@@ -23,9 +23,7 @@ void SaveTo(TBuiltinCall& call, TElementObject& object, const std::string& path)
 }  // namespace
 
 TNativeOptions NativeOptions(TScriptHost& host) {
-  TNativeOptions options = TNativeOptions::FromConfig(host.Config(), host.Datums());
-  if (host.Datums().Count() == 0) options.datums = nullptr;  // WGS 84 only
-  return options;
+  return TNativeOptions::FromConfig(host.Config(), host.Datums());
 }
 
 bool ReadElementFile(TScriptHost& host, const std::string& path, TLoadedFile& file, std::string& error) {

@@ -1,5 +1,7 @@
 #include "script/element_objects.h"
 
+#include "script/velan_script_base.h"
+
 namespace velantis {
 
 TElementoGPS& TElementObject::Element() {
@@ -24,6 +26,20 @@ TBaliza* TWaypointRef::Get() const {
   if (element.kind == TElementKind::Route)
     return index < element.route.Count() ? &element.route.Point(index).baliza : nullptr;
   return index < element.waypoints.Count() ? &element.waypoints.Baliza(index) : nullptr;
+}
+
+TVarVelanScript WaypointReference(TVelanScriptBase& script, const TWaypointRef& ref) {
+  TVarVelanScript value;
+  value.SetObject(script.Objects().View(ref.file.get(), ref.index, TObjectKind::Waypoint,
+                                        [&] { return std::make_shared<TWaypointObject>(ref); }));
+  return value;
+}
+
+TVarVelanScript CoordReference(TVelanScriptBase& script, const TWaypointRef& ref) {
+  TVarVelanScript value;
+  value.SetObject(script.Objects().View(ref.file.get(), ref.index, TObjectKind::Coord,
+                                        [&] { return std::make_shared<TCoordObject>(ref); }));
+  return value;
 }
 
 bool TCoordObject::Read(double& latDeg, double& lonDeg) const {

@@ -9,6 +9,7 @@
 #include "core/baliza.h"
 #include "script/script_host.h"
 #include "script/script_objects.h"
+#include "script/var_velan_script.h"
 
 namespace velantis {
 
@@ -32,6 +33,12 @@ struct TWaypointRef {
   // nullptr once the element has no waypoint at the index.
   TBaliza* Get() const;
 };
+
+class TVelanScriptBase;
+
+// The script's reference to the waypoint, and to its coordinate view.
+TVarVelanScript WaypointReference(TVelanScriptBase& script, const TWaypointRef& ref);
+TVarVelanScript CoordReference(TVelanScriptBase& script, const TWaypointRef& ref);
 
 class TWaypointObject : public TScriptObject {
 public:

@@ -70,11 +70,9 @@ TBoundingBox ExtentOf(TElementObject& object) {
   }
 }
 
-const std::string& TextOf(TBuiltinCall& call, const TVarVelanScript& value) {
+std::string TextOf(TBuiltinCall& call, const TVarVelanScript& value) {
   if (!value.IsString() && !value.IsNumber()) Fail(call, kNumericOrString);
-  static thread_local std::string text;
-  text = value.AsText();
-  return text;
+  return value.AsText();
 }
 
 // Lists, routes and tracks.
@@ -108,7 +106,7 @@ void ReadWaypoint(TBuiltinCall& call, TWaypointObject& object, int id, const std
     case kPropName: return call.result.SetString(baliza.Name());
     case kPropDescription: return call.result.SetString(baliza.Description());
     case kPropSymbol: return call.result.SetString(baliza.Symbol());
-    case kPropCoord: call.result = call.script.Reference(std::make_shared<TCoordObject>(object.ref)); return;
+    case kPropCoord: call.result = CoordReference(call.script, object.ref); return;
     default: Fail(call, kNoProperty, name);
   }
 }

@@ -25,7 +25,7 @@ TElementObject& Element(TScriptObject& self) { return static_cast<TElementObject
 void RouteElem(TBuiltinCall& call, TScriptObject& self) {
   TElementObject& route = Element(self);
   const size_t index = IndexArgument(call, 0, route.file->element.route.Count());
-  call.result = call.script.Reference(std::make_shared<TWaypointObject>(TWaypointRef{route.file, index}));
+  call.result = WaypointReference(call.script, TWaypointRef{route.file, index});
 }
 
 void TrackElem(TBuiltinCall& call, TScriptObject& self) {

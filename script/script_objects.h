@@ -3,13 +3,16 @@
 //
 // A script value refers to an object by its reference number, an index into
 // the script's table of objects plus one (0 is never a reference). The
-// table keeps every object alive until the script is destroyed or the
-// object is closed; an object shared with the host (a loaded file) stays
-// the host's too. ObjectAtPtr turns a number back into the reference.
+// table keeps every object alive until the script is destroyed (a closed
+// element too, detached from the application); an object shared with the
+// host (a loaded file) stays the host's too. ObjectAtPtr turns a number
+// back into the reference.
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 namespace velantis {
@@ -49,14 +52,24 @@ public:
   std::shared_ptr<TScriptObject> Shared(uint32_t reference) const {
     return At(reference) ? m_objects[reference - 1] : nullptr;
   }
-  // The reference dies; its number is not given again.
-  void Release(uint32_t reference) {
-    if (At(reference)) m_objects[reference - 1].reset();
+  // The one reference to a view of a part of an element (a waypoint of a
+  // list, its coordinate), made by make on first use: a loop reading w[i]
+  // does not grow the table. The view keeps its element, so the element's
+  // address names it for as long as the entry lives.
+  template <typename TMake>
+  uint32_t View(const void* element, size_t index, TObjectKind kind, TMake make) {
+    const auto [found, added] = m_views.try_emplace({element, index, kind}, 0);
+    if (added) found->second = Add(make());
+    return found->second;
   }
-  void Clear() { m_objects.clear(); }
+  void Clear() {
+    m_objects.clear();
+    m_views.clear();
+  }
 
 private:
   std::vector<std::shared_ptr<TScriptObject>> m_objects;
+  std::map<std::tuple<const void*, size_t, TObjectKind>, uint32_t> m_views;
 };
 
 }  // namespace velantis

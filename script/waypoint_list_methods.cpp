@@ -21,7 +21,7 @@ namespace {
 TElementObject& List(TScriptObject& self) { return static_cast<TElementObject&>(self); }
 
 TVarVelanScript WaypointAt(TBuiltinCall& call, TElementObject& list, size_t index) {
-  return call.script.Reference(std::make_shared<TWaypointObject>(TWaypointRef{list.file, index}));
+  return WaypointReference(call.script, TWaypointRef{list.file, index});
 }
 
 void CreateWpt(TBuiltinCall& call, TScriptObject& self) {

@@ -4,6 +4,8 @@
 
 #include <fstream>
 #include <sstream>
+#include <stdexcept>
+#include <tuple>
 
 #include "formats/file_dispatch.h"
 #include "script/script_events.h"
@@ -68,6 +70,9 @@ TEST(ScriptObjects, WaypointLists) {
       {"w.Nope();", "|Unknown function 'Nope'@87-87"},
       {"v = a.Count();", "|Unknown function 'Count'@91-91"},
       {"h = \"\" + w; v = ObjectAtPtr(h.atoi()).Count();", "v=2"},
+      // Waypoints and their coordinates are one reference each, however often read.
+      {"for (i = 0; i < 50; i++) { n = w[0].Coord.lat + w.Elem(1).Coord.lon; }; x = new(\"TArray\"); v = \"\" + x;",
+       "v=6"},
   };
   for (const TScriptCase& c : cases) EXPECT_EQ(OnList(c.script), c.outcome) << ::testing::PrintToString(c.script);
 }
@@ -85,6 +90,7 @@ TEST(ScriptObjects, ArraysTracksAndRectangles) {
       {"x = new(\"TRectProj\"); v = x.lat1;", "|Projection Not defined!@26-26"},
       {"x = new(\"TRectProj\"); v = x.Name;", "|Wrong property in RectProy@26-26"},
       {"x = new(\"TRectProj\"); x.Start(2); v = x.Step() + x.Step();", "v=2"},
+      {"x = new(\"TRectProj\"); x.y2 = \"n\";", "|Numeric or string property required.@22-22"},
       {"x = new(\"TRectProj\"); x.Count();", "|Unknown function 'Count'@22-22"},
       {"x = 3; x.Increase(1);", "|Object should be TRectProj@7-7"},
       {"SetProjection(\"UTM 31T\", \"Clarke\");", "|Unknown datum: Clarke@0-12"},
@@ -278,19 +284,114 @@ TEST(ScriptObjects, ElementCommandsOnFiles) {
   for (const TScriptCase& c : failures) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
 }
 
+TEST(ScriptObjects, ReferencesAndTheirLimits) {
+  const TScriptCase cases[] = {
+      {"x = new(\"TArray\"); v = ObjectAtPtr(1.5);", "|Error, wrong ptr at ObjectAtPtr@23-33"},
+      {"x = new(\"TArray\"); v = ObjectAtPtr(0);", "|Error, wrong ptr at ObjectAtPtr@23-33"},
+      {"x = new(\"TArray\"); y = new(\"TCoord\"); v = ObjectAtPtr(2).lat + \"\" + x;", "v=01"},
+      {"x = new(\"TArray\"); v = x * 2;", "|Should be Numeric@25-25"},
+      {"c = new(\"TCoord\"); c.SetCoord_UTM(\"x1\", 1, 2);",
+       "|Error in the UTM zome. It must be a value between 1 and 60@19-19"},
+      {"c = new(\"TCoord\"); c.SetCoord_UTM(\"31T\", 500000, 99999999);", "|utm.y superior a 9886785@19-19"},
+      {"w = Velantis.CreateWpts(\"N\"); w.CreateWpt(\"P\", 1, 2); w.Close(); v = w.Name + w.Count();", "v=N1"},
+      {"w = Velantis.CreateWpts(\"N\"); w.Close(); w.Close();", "|Closing Object@41-41"},
+  };
+  for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << ::testing::PrintToString(c.script);
+}
+
+// Configuration keys of every kind come back as the kind they are.
+TEST(ScriptObjects, ConfigValuesByType) {
+  TLocalScriptHost host;
+  host.Config().Default_Label_Color_Wpt = 0x102030;
+  host.Config().Wpt_Scale_Display = true;
+  TVelanScriptBase script;
+  script.SetHost(host);
+  script.Load("c = Config.Default_Label_Color_Wpt; b = Config.Wpt_Scale_Display; Config.Wpt_Scale_Display = 0;"
+              "t = Config.ExecCommand_at_Start + \"|\";");
+  script.Ejecuta();
+  EXPECT_EQ(script.GetVariable("c")->number, 0x102030);
+  EXPECT_EQ(script.GetVariable("b")->number, 1);
+  EXPECT_FALSE(host.Config().Wpt_Scale_Display);
+  EXPECT_EQ(script.GetVariable("t")->text, "|");
+}
+
+class TLogFailsHost : public TLocalScriptHost {
+public:
+  void Log(std::string_view) override { throw std::runtime_error("log"); }
+};
+
+TEST(ScriptObjects, EventFailuresOfTheApplication) {
+  TLogFailsHost host;
+  TVelanScriptBase script;
+  script.SetHost(host);
+  script.Load("function OnCreateView2D(p) { Monitor.Log(p); };\nfunction OnCreateGraph(p) { Exit(); Echo(p); };");
+  script.Ejecuta();
+  std::vector<TVarVelanScript> args{TVarVelanScript(std::string("g.png"))};
+  TVarVelanScript result;
+  try {
+    RunEvent(script, TScriptEvent::CreateView2D, args, result);
+    ADD_FAILURE() << "no error";
+  } catch (const TScriptError& error) {
+    EXPECT_STREQ(error.what(), "VelanScript: Exception in Velantis Engine, OnCreateView2D");
+  }
+  EXPECT_TRUE(RunEvent(script, TScriptEvent::CreateGraph, args, result));
+  EXPECT_EQ(script.Output(), "");
+}
+
+// A route written by the file layer, then opened and edited by a script.
+TEST(ScriptObjects, RoutesFromFiles) {
+  const auto folder = test::ScratchDir("script_routes");
+  const std::string path = (folder / "r.rte").string();
+  TRuta route;
+  route.SetName("Ridge");
+  for (const auto& [name, lat, lon] : {std::tuple{"Start1", 42.5, 1.25}, std::tuple{"Finish", 42.75, 1.5}}) {
+    TBaliza baliza;
+    baliza.SetName(name);
+    baliza.SetPosition(lat, lon);
+    route.Add(baliza);
+  }
+  std::string error;
+  ASSERT_TRUE(SaveRoute(path, route, {}, "", error)) << error;
+  TLocalScriptHost host;
+  TVelanScriptBase script;
+  script.SetHost(host);
+  script.Load("r = Velantis.Open(\"" + path + "\"); n = r.Count(); first = r[0].Name; last = r.Elem(1).Name;"
+              "north = r.Rect.lat1; west = r.Rect.lon1; r[1].Name = \"Summit\"; r.Save(); r.Clear(); left = r.Count();");
+  script.Ejecuta();
+  EXPECT_EQ(script.GetVariable("n")->number, 2);
+  EXPECT_EQ(script.GetVariable("first")->text, "Start1");
+  EXPECT_EQ(script.GetVariable("last")->text, "Finish");
+  EXPECT_EQ(script.GetVariable("north")->number, 42.75);
+  EXPECT_EQ(script.GetVariable("west")->number, 1.25);
+  EXPECT_EQ(script.GetVariable("left")->number, 0);
+  TRuta read;
+  ASSERT_TRUE(OpenRoute(path, {}, read, error)) << error;
+  ASSERT_EQ(read.Count(), 2u);
+  EXPECT_EQ(read.Point(1).baliza.Name(), "Summit");
+}
+
+// The fuzz target's sandbox: no file is read or written.
 TEST(ScriptObjects, NoFilesWithoutSystemAccess) {
   const auto folder = test::ScratchDir("script_sandbox");
   const std::string source = (test::SourceDir() / "data/examples/vallferrera.wpt").string();
-  TVelanScriptBase script;
-  TScriptLimits limits;
-  limits.systemAccess = false;
-  script.SetLimits(limits);
-  script.Load("w = new(\"TWaypoints\"); w.CreateWpt(\"a\", 1, 2); w.SaveAs(\"" + (folder / "x.wpt").string() +
-              "\");");
-  EXPECT_THROW(script.Ejecuta(), TScriptError);
+  const std::string target = (folder / "x.wpt").string();
+  const std::string statements[] = {
+      "w.SaveAs(\"" + target + "\");",
+      "w.Load(\"" + source + "\");",
+      "x = Velantis.Open(\"" + source + "\");",
+      "x = Velantis.OpenWPT(\"" + source + "\");",
+      "x = Velantis.Read(\"" + source + "\");",
+  };
+  for (const std::string& statement : statements) {
+    TVelanScriptBase script;
+    TScriptLimits limits;
+    limits.systemAccess = false;
+    script.SetLimits(limits);
+    script.Load("w = new(\"TWaypoints\"); w.CreateWpt(\"a\", 1, 2); " + statement + " v = 1;");
+    EXPECT_THROW(script.Ejecuta(), TScriptError) << statement;
+    EXPECT_EQ(script.GetVariable("v"), nullptr) << statement;
+  }
   EXPECT_TRUE(std::filesystem::is_empty(folder));
-  script.Load("w = Velantis.Open(\"" + source + "\");");
-  EXPECT_THROW(script.Ejecuta(), TScriptError);
 }
 
 }  // namespace
