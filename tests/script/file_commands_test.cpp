@@ -42,6 +42,7 @@ TEST(FileCommands, Checksums) {
 TEST(FileCommands, FilesAndFolders) {
   const fs::path dir = test::ScratchDir("file-commands");
   fs::create_directories(dir / "in/sub");
+  fs::create_directories(dir / "empty");
   Write(dir / "in/b.txt", "0123456789");
   Write(dir / "in/a.TXT", "a");
   Write(dir / "in/c.wpt", "c");
@@ -68,7 +69,7 @@ TEST(FileCommands, FilesAndFolders) {
       {"Velantis.XCopy(" + none + ", " + out + ");", "|Error copying files@0-7"},
       {"Velantis.Split(" + Q(dir / "in/b.txt") + ", 0);", "|Error splitting file@0-7"},
       {"Velantis.Delete(" + none + ");", "|Can't delete file@0-7"},
-      {"Velantis.Delete(" + in + ");", "|Can't delete file@0-7"},
+      {"Velantis.Delete(" + Q(dir / "empty") + ");", "|Can't delete file@0-7"},  // a folder is no file
   };
   for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
   EXPECT_EQ(test::FileBytes(dir / "out/c.wpt.001") + test::FileBytes(dir / "out/c.wpt.002") + "|" +
