@@ -1,13 +1,15 @@
-// velantis script FILE: runs a script; Echo goes to stdout, an error to
-// stderr. An error found while loading is reported before anything runs.
+// velantis script FILE [--debug]: runs a script; Echo goes to stdout, an
+// error to stderr. An error found while loading is reported before anything
+// runs. --debug steps through it on the terminal (cli/script_debugger.h).
 // velantis script --start runs the command of ExecCommand_at_Start instead
-// (exec_program.h). Prompts talk on stdin and stderr.
+// of a file (exec_program.h). Prompts talk on stdin and stderr.
 #include <CLI/CLI.hpp>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
 #include "cli/command.h"
+#include "cli/script_debugger.h"
 #include "script/exec_program.h"
 #include "script/script_host.h"
 #include "script/user_prompt.h"
@@ -16,6 +18,12 @@
 namespace velantis::cli {
 
 namespace {
+
+struct TScriptOptions {
+  std::string path;
+  bool debug = false;
+  bool start = false;
+};
 
 bool ReadScript(const std::string& path, std::string& text) {
   std::ifstream file(path, std::ios::binary);
@@ -32,17 +40,17 @@ void SetExecFolders(const TFolders& folders) {
                   folders.configFile});
 }
 
-int RunScript(const std::string& path, bool start, const TGlobalOptions& global) {
+int RunScript(const TScriptOptions& options, const TGlobalOptions& global) {
   std::string text;
-  if (!start && !ReadScript(path, text)) {
-    PrintError("Error opening " + path);
+  if (!options.start && !ReadScript(options.path, text)) {
+    PrintError("Error opening " + options.path);
     return kExitRefused;
   }
   // The script's Config is the program's configuration, written back to
   // its gps.ini; its positions use the program's datums.
   TRuntime runtime;
   if (!StartRuntime(global, runtime)) return kExitRefused;
-  if (start && (text = StartCommandScript(runtime.config.ExecCommand_at_Start)).empty()) {
+  if (options.start && (text = StartCommandScript(runtime.config.ExecCommand_at_Start)).empty()) {
     PrintError("No command in ExecCommand_at_Start");
     return kExitRefused;
   }
@@ -55,6 +63,7 @@ int RunScript(const std::string& path, bool start, const TGlobalOptions& global)
   script.SetEchoSink([](std::string_view echoed) { std::cout << echoed << std::flush; });
   try {
     script.Load(text);
+    if (options.debug) return RunScriptDebugger(script, text, options.path, std::cin, std::cerr);
     script.Ejecuta();
   } catch (const TScriptError& error) {
     PrintError(error.what());
@@ -67,13 +76,13 @@ int RunScript(const std::string& path, bool start, const TGlobalOptions& global)
 
 void AddScriptCommand(CLI::App& app, const TGlobalOptions& global, int& exitCode) {
   auto* command = app.add_subcommand("script", "run a script file");
-  auto path = std::make_shared<std::string>();
-  auto start = std::make_shared<bool>(false);
-  auto* file = command->add_option("FILE", *path, "the script");
-  command->add_flag("--start", *start, "run the command of ExecCommand_at_Start")->excludes(file);
-  command->callback([path, start, &global, &exitCode] {
-    if (!*start && path->empty()) throw CLI::RequiredError("FILE");
-    exitCode = RunScript(*path, *start, global);
+  auto options = std::make_shared<TScriptOptions>();
+  auto* file = command->add_option("FILE", options->path, "the script");
+  command->add_flag("--debug", options->debug, "step through the script: Enter steps, c continues, q stops");
+  command->add_flag("--start", options->start, "run the command of ExecCommand_at_Start")->excludes(file);
+  command->callback([options, &global, &exitCode] {
+    if (!options->start && options->path.empty()) throw CLI::RequiredError("FILE");
+    exitCode = RunScript(*options, global);
   });
 }
 

@@ -202,7 +202,7 @@ private:
     else if (in.a.kind == TOperand::TKind::Temp) receiver = &Temp(in.a.index);
     else constant = Read(in.a);
     if (receiver->IsObject()) return CallObjectMethod(in, *receiver);
-    if (IsRectProjOnlyMethod(in.method)) throw TScriptError(kShouldBeRectProj, *in.at);
+    if (!receiver->IsString() && IsRectProjOnlyMethod(in.method)) throw TScriptError(kShouldBeRectProj, *in.at);
     if (in.target < 0) throw TScriptError(WithName(kUnknownFunction, name), *in.at);
     if (!receiver->IsString()) throw TScriptError(kObjectShouldBeString, *in.at);
     std::vector<TVarVelanScript> args = Arguments(in);

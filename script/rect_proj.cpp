@@ -14,8 +14,13 @@ namespace {
 
 TRectProjObject& Rect(TScriptObject& self) { return static_cast<TRectProjObject&>(self); }
 
-void Width(TBuiltinCall& call, TScriptObject& self) { call.result.SetNumber(std::fabs(Rect(self).x2 - Rect(self).x1)); }
-void Height(TBuiltinCall& call, TScriptObject& self) { call.result.SetNumber(std::fabs(Rect(self).y2 - Rect(self).y1)); }
+void Width(TBuiltinCall& call, TScriptObject& self) {
+  call.result.SetNumber(std::fabs(Rect(self).x2 - Rect(self).x1));
+}
+
+void Height(TBuiltinCall& call, TScriptObject& self) {
+  call.result.SetNumber(std::fabs(Rect(self).y2 - Rect(self).y1));
+}
 
 // Outwards whichever corner is the lower one.
 void Increase(TBuiltinCall& call, TScriptObject& self) {

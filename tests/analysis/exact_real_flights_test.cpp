@@ -11,23 +11,21 @@
 namespace velantis {
 namespace {
 
-// defaultShare: the default search's score over the exact one as both
-// searches stand, to six decimals. The default search's coarse pass and
-// capped refinement windows hold it below the optimum on long flights, and
-// far below for FAI triangles, whose best lies in a narrow part of the
-// space (freeflight-xcontest-465.33 only has FAI triangles a few km wide:
-// share 0). Four slow exact quadrilaterals are left to the benchmark.
+// defaultShare: the default search's score over the exact one, to six
+// decimals. Its coarse pass and capped refinement windows hold it below the
+// optimum on long flights, far below for FAI triangles (a few km wide only
+// in freeflight-xcontest-465.33: share 0). Four slow exact quadrilaterals
+// are left to the benchmark.
 //
 // referenceKm, turnpoints: the optimum of igc-xc-score 1.8.0, an exact
-// scorer, where its objective is ours (no quadrilateral: 0); its fix indices
-// are ours. Scored with our distance it can never beat ours, and the lengths
-// differ by the earth models (its flat-ellipsoid formula against our FAI
-// sphere, up to about 0.5 % a leg, more where a leg near the 28 % share
-// passes on one model only). The triangles of tri.igc (FFVL, 14.60 km) and
-// trifai-xcontest-307.57.igc (FAI, 220.4 km) are those its own tests assert,
-// closed below those rules' limits, which then charge nothing; the other
-// rows are its run by bench/igc_xc_score_run.mjs, closing free and
-// unlimited (our free distance is its out-and-return at multiplier 0.5).
+// scorer, where its objective is ours (no quadrilateral: 0), by our fix
+// indices. Scored with our distance it never beats ours; the lengths differ
+// by the earth models (its flat-ellipsoid formula against our FAI sphere, up
+// to about 0.5 % a leg, more where a leg near the 28 % share passes on one
+// model only). The triangles of tri.igc (FFVL) and trifai-xcontest-307.57
+// (FAI) are those its own tests assert; the other rows are its run by
+// bench/igc_xc_score_run.mjs, closing free (our free distance is its
+// out-and-return at multiplier 0.5).
 struct TFlightCase {
   const char* file;
   TShapeKind shape;

@@ -1,5 +1,6 @@
 #include "tests/formats/element_samples.h"
 
+#include <cmath>
 #include <sstream>
 
 #include "app/file_io.h"
@@ -170,7 +171,7 @@ std::string KeptFields(const TTrack& track, size_t i) {
   out << p.altitude << '|' << p.altitudeBarometric << '|' << p.speedKmh << '|' << p.courseDeg << '|' << p.hdop << '|'
       << p.satellites << '|' << p.accuracyM << '|' << +p.flags << '|' << +p.signedValue << '|' << +p.size << '|'
       << +p.heartRateByte << '|' << +p.cadenceByte << '|' << +p.quarterUnitByte << '|' << +p.temperatureByte << '|'
-      << p.time.IsNull();
+      << (p.time.IsNull() ? -1 : std::llround(p.time.Days() * kSecondsPerDay));
   Put(out, track.PointProperties(i));
   Put(out, track.PointLabel(i));
   return out.str();

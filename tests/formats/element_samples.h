@@ -68,8 +68,8 @@ TRuta SampleRoute(std::mt19937_64& random, size_t count, const TBalizaDefaults& 
 // on some points.
 TTrack SampleTrack(std::mt19937_64& random, size_t count);
 
-// Every field a native file keeps, position and time excepted, as one text:
-// a round trip compares them all at once.
+// Every field a native file keeps, the position excepted, as one text (a
+// track point's time in whole seconds): a round trip compares them all at once.
 std::string KeptFields(const TBaliza& b);
 std::string KeptFields(const TTrack& track, size_t point);
 

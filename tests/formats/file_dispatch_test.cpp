@@ -41,21 +41,16 @@ TEST(FileDispatch, ExtensionsEachElementTakes) {
   };
   for (const auto& c : cases) {
     const std::string path = (dir / c.file).string();
-    const std::string refusal = "Unknown file format: " + FileExtension(path);
-    std::string error;
-    EXPECT_EQ(SaveWaypoints(path, list, options, error), c.waypoints) << c.file;
-    EXPECT_EQ(error, c.waypoints ? "" : refusal);
-    error.clear();
-    EXPECT_EQ(SaveRoute(path, route, options, "", error), c.route) << c.file;
-    EXPECT_EQ(error, c.route ? "" : refusal);
-    error.clear();
-    EXPECT_EQ(SaveTrack(path, track, options, error), c.track) << c.file;
-    EXPECT_EQ(error, c.track ? "" : refusal);
-    error.clear();
+    std::string errors[4];
     TElementFile file;
-    const bool known = c.waypoints || c.route || c.track;
-    EXPECT_EQ(OpenElementFile(path, options, file, error), known) << c.file << ": " << error;
-    EXPECT_EQ(error, known ? "" : refusal);
+    // Evaluated in order: the saves make the file the open reads.
+    const bool done[] = {SaveWaypoints(path, list, options, errors[0]), SaveRoute(path, route, options, "", errors[1]),
+                         SaveTrack(path, track, options, errors[2]), OpenElementFile(path, options, file, errors[3])};
+    const bool expected[] = {c.waypoints, c.route, c.track, c.waypoints || c.route || c.track};
+    for (size_t k = 0; k < 4; ++k) {
+      const std::string refusal = expected[k] ? "" : "Unknown file format: " + FileExtension(path);
+      EXPECT_EQ(std::pair(done[k], errors[k]), std::pair(expected[k], refusal)) << c.file << " step " << k;
+    }
   }
   // A waypoint file also opens as ".mrk"; it is never saved as one.
   std::filesystem::copy_file(dir / "a.wpt", dir / "a.mrk");
@@ -115,15 +110,12 @@ TEST(FileDispatch, ReadersRefuseOrCountTheirRecords) {
     options.progress = &progress;
     EXPECT_EQ(OpenElementFile(path.string(), options, file, error), refusal.empty());
     if (!refusal.empty()) {
-      EXPECT_EQ(error, refusal);
-      EXPECT_EQ(file.waypoints.Count(), 1u);
-      EXPECT_EQ(file.route.Name(), "kept");
-      EXPECT_EQ(file.track.Count(), 1u);
-      EXPECT_FALSE(file.waypoints.FromOziExplorer());
+      EXPECT_EQ(std::tuple(error, file.waypoints.Count(), file.route.Name(), file.track.Count(),
+                           file.waypoints.FromOziExplorer()),
+                std::tuple(refusal, 1u, "kept", 1u, false));
       continue;
     }
-    EXPECT_EQ(progress.Total(), records);
-    EXPECT_EQ(progress.Steps(), records);
+    EXPECT_EQ(std::pair(progress.Total(), progress.Steps()), (std::pair<int64_t, int64_t>(records, records)));
     progress.Cancel();
     EXPECT_FALSE(OpenElementFile(path.string(), options, file, error));
     EXPECT_EQ(error, kCancelledError);
@@ -155,8 +147,8 @@ TEST(FileDispatch, FailedSavesLeaveTheOldFile) {
     withProgress.progress = &counted;
     ASSERT_TRUE(SaveElementFile(path, file, withProgress, error)) << error;
     const int64_t records[] = {30, 10, 100};
-    EXPECT_EQ(counted.Total(), records[i]) << "one step per waypoint, route point or track point";
-    EXPECT_EQ(counted.Steps(), records[i]);
+    EXPECT_EQ(std::pair(counted.Total(), counted.Steps()), std::pair(records[i], records[i]))
+        << "one step per waypoint, route point or track point";
     EXPECT_FALSE(file.waypoints.Modified() || file.route.Modified() || file.track.Modified());
     const std::string& before = befores[i] = test::FileBytes(path);
     const int64_t zLine = file.track.ZLinePosition();

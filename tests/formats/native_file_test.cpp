@@ -45,7 +45,10 @@ std::string Written(const TWaypoints& list, const TNativeOptions& options) {
   return test::WrittenBytes(list, options, "list.wpt", WriteWptFile);
 }
 
-TEST(WptFile, WritesTheDocumentedLines) {
+// Two waypoints with every field the line holds, then names and altitudes
+// at their edges, which need no "w" line: the lines written, and the names
+// and altitudes read back.
+TEST(WptFile, WritesTheDocumentedLinesAndReadsThemBack) {
   TWaypoints list;
   TBaliza plain;
   plain.SetName("A B");
@@ -62,45 +65,37 @@ TEST(WptFile, WritesTheDocumentedLines) {
   styled.SetLabel(TTextLabel{"hut", 1, 2, 3, 4, 5, 0, {}});
   list.Add(plain);
   list.Add(styled);
-  EXPECT_EQ(Written(list, Utf8Options()),
+  // The name and altitude set; the name read back and whether the altitude is known.
+  const std::tuple<const char*, float, const char*, bool> edges[] = {
+      {"AB", -999.5f, "AB    ", true},          {"", -1000, "      ", false}, {"Long name", -20000, "Long name", false},
+      {"a,b%c\r\n", 0, "abc   ", true}, {"a\tb", 10, "a b   ", true},
+  };
+  for (const auto& [name, altitude, readName, known] : edges) {
+    TBaliza b;
+    b.SetName(name);
+    b.SetAltitude(altitude);
+    list.Add(b);
+  }
+  const std::string bytes = Written(list, Utf8Options());
+  const std::string origin = " 0.000000\xC2\xBAN 0.000000\xC2\xBA" "E 27-MAR-62 00:00:00 ";
+  EXPECT_EQ(bytes,
             "B  UTF-8\r\nG  WGS 84\r\n"
             "z  -33.500000,-2.175000,41.391667,151.250000\r\n"
             "W  A_B___ 41.391667\xC2\xBAN 2.175000\xC2\xBAW 27-MAR-62 00:00:00 -9999.000000 Font 100 fresca\r\n"
             "W  Refugi 33.500000\xC2\xBAS 151.250000\xC2\xBA" "E 05-JUN-24 13:07:00 1234.500000 \r\n"
             "w Flag,0,0.000000,0,16777215,0,39,,50.000000,0,-1,0,0\r\n"
             "t \"hut\",1,2,3,4, 5\r\n"
-            "\r\n\r\n");
-}
-
-TEST(WptFile, EdgeCasesOfTheWaypointLine) {
-  // Name and altitude; the name and altitude written; the name read back
-  // and whether the altitude is known.
-  const std::tuple<const char*, float, const char*, const char*, const char*, bool> cases[] = {
-      {"A B", 10, "A_B___", "10.000000", "A B   ", true},
-      {"AB", -999.5f, "AB____", "-999.500000", "AB    ", true},
-      {"", -1000, "______", "-9999.000000", "      ", false},
-      {"Long name", -20000, "Long_name", "-9999.000000", "Long name", false},
-      {"a,b%c\r\n", 0, "abc___", "0.000000", "abc   ", true},
-      {"a\tb", 0, "a_b___", "0.000000", "a b   ", true},
-  };
-  for (const auto& [name, altitude, writtenName, writtenAltitude, readName, altitudeKnown] : cases) {
-    TWaypoints list;
-    TBaliza b;
-    b.SetName(name);
-    b.SetAltitude(altitude);
-    list.Add(b);
-    const std::string bytes = Written(list, Utf8Options());
-    const std::string expected = std::string("W  ") + writtenName + " 0.000000\xC2\xBAN 0.000000\xC2\xBA" "E " +
-                                 std::string(kNullDateText) + " " + writtenAltitude + " \r\n";
-    EXPECT_NE(bytes.find(expected), std::string::npos) << name << "\n" << bytes;
-    EXPECT_EQ(bytes.find("\r\nw "), std::string::npos) << "default extension values need no w line";
-    TWaypoints back;
-    std::string error;
-    ASSERT_TRUE(ReadWpt(bytes, Utf8Options(), back, error)) << error;
-    ASSERT_EQ(back.Count(), 1u);
-    EXPECT_EQ(back.Baliza(0).Name(), readName);
-    EXPECT_EQ(back.Baliza(0).HasAltitude(), altitudeKnown) << name;
-    EXPECT_TRUE(back.Baliza(0).Time().IsNull());
+            "W  AB____" + origin + "-999.500000 \r\nW  ______" + origin + "-9999.000000 \r\n"
+            "W  Long_name" + origin + "-9999.000000 \r\nW  abc___" + origin + "0.000000 \r\n"
+            "W  a_b___" + origin + "10.000000 \r\n\r\n\r\n");
+  TWaypoints back;
+  std::string error;
+  ASSERT_TRUE(ReadWpt(bytes, Utf8Options(), back, error)) << error;
+  ASSERT_EQ(back.Count(), 2 + std::size(edges));
+  for (size_t i = 0; i < std::size(edges); ++i) {
+    const TBaliza& b = back.Baliza(i + 2);
+    EXPECT_EQ(std::tuple(b.Name(), b.HasAltitude(), b.Time().IsNull()),
+              std::tuple(std::get<2>(edges[i]), std::get<3>(edges[i]), true));
   }
 }
 
@@ -157,15 +152,14 @@ TEST(NativeFiles, RoundTripsInEveryNotationDatumAndCodePage) {
         EXPECT_EQ(back.Description(), list.Description());
         ASSERT_NE(back.Properties(), nullptr);
         EXPECT_EQ(*back.Properties(), *list.Properties());
+        SCOPED_TRACE(std::string(codePage) + " notation " + std::to_string(notation));
         const double tolerance = unit[notation] / 2 + 1e-12;
-        for (size_t i = 0; i < list.Count(); ++i) {
-          const TBaliza& a = list.Baliza(i);
-          const TBaliza& b = back.Baliza(i);
-          const std::string where = std::string(codePage) + " notation " + std::to_string(notation) + " #" + std::to_string(i);
-          EXPECT_NEAR(b.Latitude(), a.Latitude(), tolerance) << where;
-          EXPECT_NEAR(b.Longitude(), a.Longitude(), tolerance) << where;
-          EXPECT_EQ(test::KeptFields(b), test::KeptFields(a)) << where;
-        }
+        const auto same = [tolerance](const TBaliza& a, const TBaliza& b) {
+          EXPECT_NEAR(b.Latitude(), a.Latitude(), tolerance) << a.Name();
+          EXPECT_NEAR(b.Longitude(), a.Longitude(), tolerance) << a.Name();
+          EXPECT_EQ(test::KeptFields(b), test::KeptFields(a));
+        };
+        for (size_t i = 0; i < list.Count(); ++i) same(list.Baliza(i), back.Baliza(i));
         EXPECT_EQ(Written(back, options), first) << "writing what was read gives the same bytes";
         // A route of such waypoints with shape points, written as held, in WGS 84.
         const TRuta route = test::SampleRoute(random, 6, options.defaults);
@@ -178,8 +172,7 @@ TEST(NativeFiles, RoundTripsInEveryNotationDatumAndCodePage) {
         for (size_t i = 0; i < route.Count(); ++i) {
           const TRoutePoint& a = route.Point(i);
           const TRoutePoint& b = routeBack.Point(i);
-          EXPECT_NEAR(b.baliza.Latitude(), a.baliza.Latitude(), tolerance);
-          EXPECT_EQ(test::KeptFields(b.baliza), test::KeptFields(a.baliza));
+          same(a.baliza, b.baliza);
           ASSERT_EQ(b.shape.size(), a.shape.size()) << i;
           for (size_t k = 0; k < a.shape.size(); ++k) {
             EXPECT_NEAR(b.shape[k].lat, a.shape[k].lat, tolerance);
@@ -203,9 +196,6 @@ TEST(NativeFiles, RoundTripsInEveryNotationDatumAndCodePage) {
           const TrkPnt& b = trackBack.Point(i);
           EXPECT_NEAR(b.lat, a.lat, tolerance);
           EXPECT_NEAR(b.lon, a.lon, tolerance);
-          if (!a.time.IsNull()) {
-            EXPECT_NEAR(a.time.SecondsTo(b.time), 0, 1e-4) << i;
-          }
           EXPECT_EQ(test::KeptFields(trackBack, i), test::KeptFields(track, i)) << i;
         }
         EXPECT_FALSE(trackBack.Modified());
@@ -286,8 +276,8 @@ TEST(TrkFile, FilesReadPieceByPieceLikeTheirBytes) {
   TProgress progress;
   options.progress = &progress;
   ASSERT_TRUE(ReadTrkFile(path.string(), options, fromFile, error)) << error;
-  EXPECT_EQ(progress.Total(), static_cast<int64_t>(track.Count())) << "one step per point, as the writer counts";
-  EXPECT_EQ(progress.Steps(), static_cast<int64_t>(track.Count()));
+  const auto points = static_cast<int64_t>(track.Count());
+  EXPECT_EQ(std::pair(progress.Total(), progress.Steps()), std::pair(points, points)) << "one step per point";
   EXPECT_EQ(fromFile.ZLinePosition(), fromBytes.ZLinePosition());
   ASSERT_EQ(fromFile.Count(), track.Count());
   EXPECT_EQ(Written(fromFile, Utf8Options()), Written(fromBytes, Utf8Options()));
@@ -443,34 +433,26 @@ TEST(NativeText, RealsPrintLikePrintf) {
 }
 
 TEST(NativeText, DateTextsAndTheirWindow) {
-  struct Case {
-    TCalendarTime time;
-    const char* text;
-  };
-  const Case cases[] = {
-      {{2024, 6, 5, 13, 7, 0}, "05-JUN-24 13:07:00"},
-      {{1962, 3, 28, 0, 0, 0}, "28-MAR-62 00:00:00"},
-      {{2061, 12, 31, 23, 59, 59}, "31-DEC-61 23:59:59"},
-      {{1999, 1, 1, 0, 0, 0.4}, "01-JAN-99 00:00:00"},
+  const std::pair<TCalendarTime, const char*> cases[] = {
+      {{2024, 6, 5, 13, 7, 0}, "05-JUN-24 13:07:00"},    {{1962, 3, 28, 0, 0, 0}, "28-MAR-62 00:00:00"},
+      {{2061, 12, 31, 23, 59, 59}, "31-DEC-61 23:59:59"}, {{1999, 1, 1, 0, 0, 0.4}, "01-JAN-99 00:00:00"},
       {{2000, 2, 29, 23, 59, 59.6}, "01-MAR-00 00:00:00"},
   };
-  for (const Case& c : cases) {
+  TDateTime back;
+  for (const auto& [time, expected] : cases) {
     std::string text;
-    AppendDateTime(text, TDateTime::FromCalendar(c.time));
-    EXPECT_EQ(text, c.text);
-    TDateTime back;
+    AppendDateTime(text, TDateTime::FromCalendar(time));
+    EXPECT_EQ(text, expected);
     ASSERT_TRUE(ParseDateTime(text.substr(0, 9), text.substr(10), back)) << text;
-    EXPECT_NEAR(back.Days(), TDateTime::FromCalendar(c.time).Days(), 0.6 / kSecondsPerDay) << text;
+    EXPECT_NEAR(back.Days(), TDateTime::FromCalendar(time).Days(), 0.6 / kSecondsPerDay) << text;
   }
-  std::string null;
+  std::string null, whole;
   AppendDateTime(null, TDateTime());
   EXPECT_EQ(null, kNullDateText);
-  TDateTime back = TDateTime::FromDays(1);
   ASSERT_TRUE(ParseDateTime("27-mar-62", "00:00:00", back));
   EXPECT_TRUE(back.IsNull());
   ASSERT_TRUE(ParseDateTime("5-Jun-2024", "13:07:30.5", back));
   EXPECT_EQ(back, TDateTime::FromCalendar(2024, 6, 5, 13, 7, 30.5));
-  std::string whole;
   AppendDateTime(whole, TDateTime::FromDays(0.5), true);
   EXPECT_EQ(whole, "30-DEC-1899 12:00:00");
   for (const auto& [date, time] : {std::pair{"05-JUX-24", "13:07:00"}, {"05-JUN", "13:07:00"}, {"05-JUN-24", "13:07"},
@@ -478,7 +460,7 @@ TEST(NativeText, DateTextsAndTheirWindow) {
     EXPECT_FALSE(ParseDateTime(date, time, back)) << date << " " << time;
 }
 
-TEST(NativeText, FieldSplitting) {
+TEST(NativeText, FieldsAndNumbersWholeOrNothing) {
   std::string_view f[4];
   const auto fields = [&f](size_t count) { return std::vector<std::string_view>(f, f + count); };
   using TFields = std::vector<std::string_view>;
@@ -486,20 +468,12 @@ TEST(NativeText, FieldSplitting) {
   EXPECT_EQ(SplitBlanks(" \t ", f, 4), 0u);
   EXPECT_EQ(fields(SplitAt("a,,b,c,d", ',', f, 4)), (TFields{"a", "", "b", "c,d"}));
   EXPECT_EQ(fields(SplitAt("", ',', f, 4)), (TFields{""}));
-}
-
-TEST(NativeText, NumbersWholeOrNothing) {
   double real = 1;
   int whole = 1;
-  EXPECT_TRUE(ParseReal(" +12.5 ", real));
-  EXPECT_EQ(real, 12.5);
-  for (const char* bad : {"", "1.5x", "x", "1 2", "+"}) {
-    EXPECT_FALSE(ParseReal(bad, real)) << bad;
-    EXPECT_FALSE(ParseInt(bad, whole)) << bad;
-  }
+  EXPECT_TRUE(ParseReal(" +12.5 ", real) && real == 12.5);
+  EXPECT_TRUE(ParseInt("-42", whole) && whole == -42);
+  for (const char* bad : {"", "1.5x", "x", "1 2", "+"}) EXPECT_FALSE(ParseReal(bad, real) || ParseInt(bad, whole)) << bad;
   EXPECT_FALSE(ParseInt("99999999999", whole));
-  EXPECT_TRUE(ParseInt("-42", whole));
-  EXPECT_EQ(whole, -42);
 }
 
 }  // namespace

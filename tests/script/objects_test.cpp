@@ -93,6 +93,7 @@ TEST(ScriptObjects, ArraysTracksAndRectangles) {
       {"x = new(\"TRectProj\"); x.y2 = \"n\";", "|Numeric or string property required.@22-22"},
       {"x = new(\"TRectProj\"); x.Count();", "|Unknown function 'Count'@22-22"},
       {"x = 3; x.Increase(1);", "|Object should be TRectProj@7-7"},
+      {"v = \"s\".Width();", "|Unknown function 'Width'@4-6"},
       {"SetProjection(\"UTM 31T\", \"Clarke\");", "|Unknown datum: Clarke@0-12"},
       {"SetProjection(\"Nowhere\", \"WGS 84\");", "|Projection not supported: Nowhere@0-12"},
       {"t = Velantis.CreateTrack(\"T\"); t.CreateNewTrackPoint(1, 2, 300); t.CreateNewTrackPoint(3, 4, -9999); "
@@ -356,7 +357,8 @@ TEST(ScriptObjects, RoutesFromFiles) {
   TVelanScriptBase script;
   script.SetHost(host);
   script.Load("r = Velantis.Open(\"" + path + "\"); n = r.Count(); first = r[0].Name; last = r.Elem(1).Name;"
-              "north = r.Rect.lat1; west = r.Rect.lon1; r[1].Name = \"Summit\"; r.Save(); r.Clear(); left = r.Count();");
+              "north = r.Rect.lat1; west = r.Rect.lon1; r[1].Name = \"Summit\"; r.Save(); r.Clear();"
+              "left = r.Count();");
   script.Ejecuta();
   EXPECT_EQ(script.GetVariable("n")->number, 2);
   EXPECT_EQ(script.GetVariable("first")->text, "Start1");
