@@ -10,11 +10,15 @@
 // - FileNameChangeExt takes the new extension with its dot (".csv");
 //   GetFileSize of a file that cannot be read is -1;
 // - atoi reads an optional sign and the digits that follow (white space
-//   first is skipped), 0 when there are none, like C's atoi but saturating.
+//   first is skipped), 0 when there are none, like C's atoi but saturating;
+// - Md5 is the digest of the string's bytes in lower-case hex, as md5sum
+//   prints it; Cod5 is the five-character code of text_code.h.
 #include <filesystem>
 #include <limits>
 
 #include "script/builtins.h"
+#include "script/file_checksum.h"
+#include "script/text_code.h"
 #include "script/velan_script_base.h"
 
 namespace velantis {
@@ -122,6 +126,10 @@ void Atoi(TBuiltinCall& call, std::string& s) {
   call.result.SetNumber(negative ? -value : value);
 }
 
+void Md5(TBuiltinCall& call, std::string& s) { call.result.SetString(ChecksumText(TChecksumKind::Md5, s)); }
+
+void Cod5(TBuiltinCall& call, std::string& s) { call.result.SetString(TextCode5(s)); }
+
 constexpr TStringBuiltin kStringMethods[] = {
     {"FileNameEx", 0, FileNameEx},     {"FileNameNoEx", 0, FileNameNoEx},
     {"FileNameChangeExt", 1, FileNameChangeExt}, {"GetFileSize", 0, GetFileSize},
@@ -129,6 +137,7 @@ constexpr TStringBuiltin kStringMethods[] = {
     {"A_Mayusculas", 0, AMayusculas},  {"A_Minusculas", 0, AMinusculas},
     {"Replace", 2, Replace},           {"SubString", 2, SubString},
     {"strstr", 1, Strstr},             {"atoi", 0, Atoi},
+    {"Md5", 0, Md5},                   {"Cod5", 0, Cod5},
 };
 
 }  // namespace

@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
   build-essential cmake ninja-build pkg-config clang libclang-rt-14-dev
   zlib1g-dev libminizip-dev libfreetype-dev libpugixml-dev libgeographiclib-dev
-  libssl-dev libusb-1.0-0-dev libcli11-dev
+  libssl-dev libbz2-dev libusb-1.0-0-dev libcli11-dev bzip2
   libgtest-dev libgmock-dev libbenchmark-dev lua5.4
   libproj-dev proj-bin proj-data gdal-bin gpsd gpsd-clients gpsbabel geographiclib-tools
 )

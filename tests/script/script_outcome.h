@@ -5,12 +5,15 @@
 
 #include <string>
 
+#include "script/script_host.h"
 #include "script/velan_script_base.h"
 
 namespace velantis {
 
-inline std::string Outcome(const std::string& text) {
+// host: the application side, when the script's own default will not do.
+inline std::string Outcome(const std::string& text, TScriptHost* host = nullptr) {
   TVelanScriptBase script;
+  if (host) script.SetHost(*host);
   std::string error;
   try {
     script.Load(text);
