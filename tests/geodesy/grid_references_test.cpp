@@ -1,5 +1,5 @@
 // The lettered references of the British and Irish national grids: published
-// ones both ways, every square of the published keys, and the refusals.
+// ones both ways (the corner squares of both keys among them), and the refusals.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <limits>
 #include <map>
+#include <tuple>
 #include <ranges>
 
 #include "app/file_io.h"
@@ -59,28 +60,6 @@ TEST_F(ProjectionFile, ReadsEveryKeyAndWritesItBack) {
   EXPECT_EQ(Read("FE=1\r\nOTHER_NAMES=a").fieldsPresent, kFieldFalseEasting);
 }
 
-TEST_F(ProjectionFile, RefusalsLeaveTheRecordAsItWas) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"\r\n  \r\n", "TDatosProyeccion Err 1"},
-      {std::string("VERSION=1\r\nNAME=a\0b", 19), "TDatosProyeccion Err 1"},
-      {"VERSION=1\r\nNAME x", "TDatosProyeccion Err 2"},
-      {"=value", "TDatosProyeccion Err 2"},
-      {"FN=inf", "TDatosProyeccion Err 2"},
-      {"SCALE_FACTOR=0.9996N", "TDatosProyeccion Err 2"},  // only angles take notations
-      {"LON_ORIGIN=east", "TDatosProyeccion Err 2"},
-      {"VERSION=1.0", "TDatosProyeccion Err 3"},
-      {"VERSION=1\nNAME=x\nZONE=31", "TDatosProyeccion Err 4"},
-  };
-  for (const auto& [text, message] : cases) {
-    TDatosProyeccion d;
-    d.name = "kept";
-    std::string error;
-    EXPECT_FALSE(ReadProjectionText(text, &m_datums, d, error)) << text;
-    EXPECT_EQ(error, message) << text;
-    EXPECT_TRUE(d.name == "kept" && d.fieldsPresent == 0) << text;
-  }
-}
-
 // The older transverse Mercator form: every key required, plain numbers.
 TEST_F(ProjectionFile, OlderTransverseMercatorForm) {
   const std::string body = "NAME=Old grid\r\nLON_ORIGIN=-2\r\nLAT_ORIGIN=49\r\nSCALE_FACTOR=0.9996012717\r\n"
@@ -92,24 +71,38 @@ TEST_F(ProjectionFile, OlderTransverseMercatorForm) {
                                            &m_datums, d, error)) << spelling << ": " << error;
     EXPECT_EQ(d, Read("VERSION=1\r\nPROJECTION=Transversal Mercator\r\n" + body)) << spelling;
   }
+}
+
+// Refusals of both forms leave the record as it was.
+TEST_F(ProjectionFile, RefusalsLeaveTheRecordAsItWas) {
+  const auto current = ReadProjectionText, older = ReadTransverseMercatorText;
   const std::string head = "VERSION=1\r\nPROJECTION=Transversal Mercator\r\n";
   const std::string rest = "NAME=x\r\nLON_ORIGIN=3\r\nLAT_ORIGIN=0\r\nSCALE_FACTOR=1\r\nFN=0\r\n";
-  const std::pair<std::string, std::string> refusals[] = {
-      {head + rest + "FE=abc\r\n", "Error in FE=abc"},
-      {head + rest + "LAT1=40\r\n", "Error in LAT1=40"},       // not a key of this form
-      {head + "LON_ORIGIN=3E\r\n", "Error in LON_ORIGIN=3E"},  // plain numbers only
-      {head + std::string("NAME=a\0b\r\n", 10), "Error in " + std::string("NAME=a\0b", 8)},
-      {"VERSION=2\r\n", "Error in 'VERSION'"},
-      {"PROJECTION=transversal mercator\r\n", "Error in 'PROJECTION'"},
-      {head + rest, "Error, some fields missing"},  // no FE
+  const std::tuple<decltype(current), std::string, std::string> cases[] = {
+      {current, "\r\n  \r\n", "TDatosProyeccion Err 1"},
+      {current, std::string("VERSION=1\r\nNAME=a\0b", 19), "TDatosProyeccion Err 1"},
+      {current, "VERSION=1\r\nNAME x", "TDatosProyeccion Err 2"},
+      {current, "=value", "TDatosProyeccion Err 2"},
+      {current, "FN=inf", "TDatosProyeccion Err 2"},
+      {current, "SCALE_FACTOR=0.9996N", "TDatosProyeccion Err 2"},  // only angles take notations
+      {current, "LON_ORIGIN=east", "TDatosProyeccion Err 2"},
+      {current, "VERSION=1.0", "TDatosProyeccion Err 3"},
+      {current, "VERSION=1\nNAME=x\nZONE=31", "TDatosProyeccion Err 4"},
+      {older, head + rest + "FE=abc\r\n", "Error in FE=abc"},
+      {older, head + rest + "LAT1=40\r\n", "Error in LAT1=40"},       // not a key of this form
+      {older, head + "LON_ORIGIN=3E\r\n", "Error in LON_ORIGIN=3E"},  // plain numbers only
+      {older, head + std::string("NAME=a\0b\r\n", 10), "Error in " + std::string("NAME=a\0b", 8)},
+      {older, "VERSION=2\r\n", "Error in 'VERSION'"},
+      {older, "PROJECTION=transversal mercator\r\n", "Error in 'PROJECTION'"},
+      {older, head + rest, "Error, some fields missing"},  // no FE
   };
-  for (const auto& [text, message] : refusals) {
+  for (const auto& [read, text, message] : cases) {
     TDatosProyeccion d;
     d.name = "kept";
     std::string error;
-    EXPECT_FALSE(ReadTransverseMercatorText(text, &m_datums, d, error)) << text;
+    EXPECT_FALSE(read(text, &m_datums, d, error)) << text;
     EXPECT_EQ(error, message) << text;
-    EXPECT_EQ(d.name, "kept");
+    EXPECT_TRUE(d.name == "kept" && d.fieldsPresent == 0) << text;
   }
 }
 
