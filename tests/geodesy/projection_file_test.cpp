@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <limits>
 #include <map>
+#include <tuple>
+#include <ranges>
 
 #include "app/file_io.h"
 #include "geodesy/project_dat.h"
@@ -58,47 +60,6 @@ TEST_F(ProjectionFile, ReadsEveryKeyAndWritesItBack) {
   EXPECT_EQ(Read("FE=1\r\nOTHER_NAMES=a").fieldsPresent, kFieldFalseEasting);
 }
 
-TEST_F(ProjectionFile, ValuesOfEachKind) {
-  // Angles take any notation, then a plain number.
-  const std::pair<const char*, double> angles[] = {{"3.5W", -3.5}, {"2º10'30.0\"W", -2.175}, {"50GRS", -45},
-                                                   {"1e-05", 1e-5}};  // "E" makes a longitude "1-05", which does not read
-  for (const auto& [value, degrees] : angles) EXPECT_NEAR(Read(std::string("LAT1=") + value).lat1, degrees, 1e-12) << value;
-  // Any other unit leaves the unit as it is.
-  const std::pair<const char*, int> units[] = {{"UNIT=  feet ", kUnitCodeFeet}, {"UNIT=", kUnitCodeMetres},
-                                               {"UNIT=FEET\r\nUNIT=METERS", kUnitCodeFeet}};
-  for (const auto& [text, unit] : units) EXPECT_EQ(Read(text).unit, unit) << text;
-  // The datum by the names projection files use.
-  const std::pair<const char*, int> datums[] = {{"Europeo 1979", 1}, {"GCS_OSGB36", 2}, {"Nowhere 1900", -1}, {"", -1}};
-  for (const auto& [name, index] : datums) EXPECT_EQ(Read(std::string("PREFERED_DATUM=") + name).preferredDatum, index);
-  TDatosProyeccion d;
-  std::string error;
-  ASSERT_TRUE(ReadProjectionText("PREFERED_DATUM=WGS 84", nullptr, d, error));
-  EXPECT_EQ(d.preferredDatum, -1);
-}
-
-TEST_F(ProjectionFile, RefusalsLeaveTheRecordAsItWas) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"\r\n  \r\n", "TDatosProyeccion Err 1"},
-      {std::string("VERSION=1\r\nNAME=a\0b", 19), "TDatosProyeccion Err 1"},
-      {"VERSION=1\r\nNAME x", "TDatosProyeccion Err 2"},
-      {"=value", "TDatosProyeccion Err 2"},
-      {"FN=inf", "TDatosProyeccion Err 2"},
-      {"SCALE_FACTOR=0.9996N", "TDatosProyeccion Err 2"},  // only angles take notations
-      {"LON_ORIGIN=east", "TDatosProyeccion Err 2"},
-      {"VERSION=1.0", "TDatosProyeccion Err 3"},
-      {"VERSION=1\nNAME=x\nZONE=31", "TDatosProyeccion Err 4"},
-  };
-  for (const auto& [text, message] : cases) {
-    TDatosProyeccion d;
-    d.name = "kept";
-    std::string error;
-    EXPECT_FALSE(ReadProjectionText(text, &m_datums, d, error)) << text;
-    EXPECT_EQ(error, message) << text;
-    EXPECT_EQ(d.name, "kept") << text;
-    EXPECT_EQ(d.fieldsPresent, 0u) << text;
-  }
-}
-
 // The older transverse Mercator form: every key required, plain numbers.
 TEST_F(ProjectionFile, OlderTransverseMercatorForm) {
   const std::string body = "NAME=Old grid\r\nLON_ORIGIN=-2\r\nLAT_ORIGIN=49\r\nSCALE_FACTOR=0.9996012717\r\n"
@@ -110,24 +71,38 @@ TEST_F(ProjectionFile, OlderTransverseMercatorForm) {
                                            &m_datums, d, error)) << spelling << ": " << error;
     EXPECT_EQ(d, Read("VERSION=1\r\nPROJECTION=Transversal Mercator\r\n" + body)) << spelling;
   }
+}
+
+// Refusals of both forms leave the record as it was.
+TEST_F(ProjectionFile, RefusalsLeaveTheRecordAsItWas) {
+  const auto current = ReadProjectionText, older = ReadTransverseMercatorText;
   const std::string head = "VERSION=1\r\nPROJECTION=Transversal Mercator\r\n";
   const std::string rest = "NAME=x\r\nLON_ORIGIN=3\r\nLAT_ORIGIN=0\r\nSCALE_FACTOR=1\r\nFN=0\r\n";
-  const std::pair<std::string, std::string> refusals[] = {
-      {head + rest + "FE=abc\r\n", "Error in FE=abc"},
-      {head + rest + "LAT1=40\r\n", "Error in LAT1=40"},       // not a key of this form
-      {head + "LON_ORIGIN=3E\r\n", "Error in LON_ORIGIN=3E"},  // plain numbers only
-      {head + std::string("NAME=a\0b\r\n", 10), "Error in " + std::string("NAME=a\0b", 8)},
-      {"VERSION=2\r\n", "Error in 'VERSION'"},
-      {"PROJECTION=transversal mercator\r\n", "Error in 'PROJECTION'"},
-      {head + rest, "Error, some fields missing"},  // no FE
+  const std::tuple<decltype(current), std::string, std::string> cases[] = {
+      {current, "\r\n  \r\n", "TDatosProyeccion Err 1"},
+      {current, std::string("VERSION=1\r\nNAME=a\0b", 19), "TDatosProyeccion Err 1"},
+      {current, "VERSION=1\r\nNAME x", "TDatosProyeccion Err 2"},
+      {current, "=value", "TDatosProyeccion Err 2"},
+      {current, "FN=inf", "TDatosProyeccion Err 2"},
+      {current, "SCALE_FACTOR=0.9996N", "TDatosProyeccion Err 2"},  // only angles take notations
+      {current, "LON_ORIGIN=east", "TDatosProyeccion Err 2"},
+      {current, "VERSION=1.0", "TDatosProyeccion Err 3"},
+      {current, "VERSION=1\nNAME=x\nZONE=31", "TDatosProyeccion Err 4"},
+      {older, head + rest + "FE=abc\r\n", "Error in FE=abc"},
+      {older, head + rest + "LAT1=40\r\n", "Error in LAT1=40"},       // not a key of this form
+      {older, head + "LON_ORIGIN=3E\r\n", "Error in LON_ORIGIN=3E"},  // plain numbers only
+      {older, head + std::string("NAME=a\0b\r\n", 10), "Error in " + std::string("NAME=a\0b", 8)},
+      {older, "VERSION=2\r\n", "Error in 'VERSION'"},
+      {older, "PROJECTION=transversal mercator\r\n", "Error in 'PROJECTION'"},
+      {older, head + rest, "Error, some fields missing"},  // no FE
   };
-  for (const auto& [text, message] : refusals) {
+  for (const auto& [read, text, message] : cases) {
     TDatosProyeccion d;
     d.name = "kept";
     std::string error;
-    EXPECT_FALSE(ReadTransverseMercatorText(text, &m_datums, d, error)) << text;
+    EXPECT_FALSE(read(text, &m_datums, d, error)) << text;
     EXPECT_EQ(error, message) << text;
-    EXPECT_EQ(d.name, "kept");
+    EXPECT_TRUE(d.name == "kept" && d.fieldsPresent == 0) << text;
   }
 }
 
@@ -264,15 +239,6 @@ TEST(ProjectDat, DefaultProjectionOfANewMap) {
 
 // ---- The shipped data/project.dat, checked against the EPSG dataset ----
 
-std::vector<std::string> Split(const std::string& list) {
-  std::vector<std::string> entries;
-  for (size_t start = 0, end; start <= list.size(); start = end + 1) {
-    end = std::min(list.find(';', start), list.size());
-    if (end > start) entries.push_back(list.substr(start, end - start));
-  }
-  return entries;
-}
-
 // EPSG parameter codes: the record member each gives (none for the Swiss
 // grid's azimuth and skew angle, fixed in its class) and whether it is an angle.
 const std::map<std::string, std::pair<double TDatosProyeccion::*, bool>> kEpsgParameters = {
@@ -309,8 +275,9 @@ TEST(ProjectDat, ShippedFileAgreesWithTheEpsgDataset) {
   PJ_CONTEXT* context = proj_context_create();
   int codes = 0;
   for (const TDatosProyeccion& d : definitions) {
-    std::vector<std::string> names = Split(d.otherNames);
-    names.push_back(d.name);
+    std::vector<std::string> names = {d.name};
+    for (const auto other : std::views::split(d.otherNames, ';'))
+      if (!other.empty()) names.emplace_back(other.begin(), other.end());
     for (const std::string& name : names) {
       TDatosProyeccion found;
       bool matched = false;

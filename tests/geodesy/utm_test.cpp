@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/support/proj_reference.h"
@@ -135,36 +136,13 @@ TEST(Utm, InverseLimits) {
     if (row.message) {
       EXPECT_FALSE(ok) << where;
       EXPECT_EQ(message, row.message) << where;
-      EXPECT_EQ(geo.lon, -1.25) << where;
-      EXPECT_EQ(geo.lat, 2.5) << where;
+      EXPECT_EQ(std::tie(geo.lon, geo.lat), std::make_tuple(-1.25, 2.5)) << where;
       continue;
     }
     ASSERT_TRUE(ok) << where << ": " << message;
     double lon, lat;
     ASSERT_TRUE(test::TProjReference(ProjUtm(*f.list.Get(kWgs84), row.zone)).Inverse(row.x, row.y, lon, lat));
     EXPECT_LE(GroundMetres(geo, {lon, lat}, f.list.Get(kWgs84)->a), 0.005) << where;
-  }
-}
-
-// A datum change: PROJ's Molodensky then utm near the equator (where sin(φ²) and
-// sin²φ part by micrometres), 5 mm. UtmToUtm below holds the inverse's shift.
-TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
-  TFixture f;
-  const TDatum& ed50 = *f.list.Get(kEd50);
-  const TDatum& wgs84 = *f.list.Get(kWgs84);
-  for (const TLonLat geo : {TLonLat{9.7, 4.1}, TLonLat{31.2, -5.5}, TLonLat{-47.9, -1.4}}) {
-    TUtmPosition utm;
-    std::string message;
-    ASSERT_TRUE(LatLonToUtm(geo, kEd50, kWgs84, f.list, utm, message)) << message;
-    char pipeline[400];
-    std::snprintf(pipeline, sizeof pipeline,
-                  "+proj=pipeline +step +proj=molodensky +a=%.17g +rf=%.17g +da=%.17g +df=%.17g +dx=%g +dy=%g "
-                  "+dz=%g +step %s",
-                  ed50.a, ed50.invFlattening, wgs84.a - ed50.a, wgs84.f - ed50.f, ed50.dX - wgs84.dX,
-                  ed50.dY - wgs84.dY, ed50.dZ - wgs84.dZ, ProjUtm(wgs84, utm.zone).c_str());
-    double x, y;
-    ASSERT_TRUE(test::TProjReference(pipeline).Forward(geo.lon, geo.lat, x, y)) << pipeline;
-    EXPECT_LE(std::hypot(utm.x - x, utm.y - y), 0.005) << geo.lat << " " << geo.lon;
   }
 }
 
@@ -187,8 +165,7 @@ TEST(Utm, UtmToUtmForcedZonesAndRefusals) {
   TUtmPosition refused = utm;
   ASSERT_TRUE(UtmToUtm(utm, kEd50, kWgs84, f.list, message)) << message;
   EXPECT_EQ(FormatUtmZone(utm.zone), "31T");
-  EXPECT_NEAR(utm.x, expected.x, 0.001);
-  EXPECT_NEAR(utm.y, expected.y, 0.001);
+  EXPECT_LE(std::hypot(utm.x - expected.x, utm.y - expected.y), 0.001);
   refused.y = 9886786;
   EXPECT_FALSE(UtmToUtm(refused, kEd50, kWgs84, f.list, message));
   EXPECT_EQ(message, kUtmNorthingError);
