@@ -146,6 +146,28 @@ TEST(Utm, InverseLimits) {
   }
 }
 
+// A datum change: PROJ's Molodensky then utm near the equator (where sin(φ²) and
+// sin²φ part by micrometres), 5 mm. UtmToUtm below holds the inverse's shift.
+TEST(Utm, DatumChangeAgreesWithProjMolodenskyNearTheEquator) {
+  TFixture f;
+  const TDatum& ed50 = *f.list.Get(kEd50);
+  const TDatum& wgs84 = *f.list.Get(kWgs84);
+  for (const TLonLat geo : {TLonLat{9.7, 4.1}, TLonLat{31.2, -5.5}, TLonLat{-47.9, -1.4}}) {
+    TUtmPosition utm;
+    std::string message;
+    ASSERT_TRUE(LatLonToUtm(geo, kEd50, kWgs84, f.list, utm, message)) << message;
+    char pipeline[400];
+    std::snprintf(pipeline, sizeof pipeline,
+                  "+proj=pipeline +step +proj=molodensky +a=%.17g +rf=%.17g +da=%.17g +df=%.17g +dx=%g +dy=%g "
+                  "+dz=%g +step %s",
+                  ed50.a, ed50.invFlattening, wgs84.a - ed50.a, wgs84.f - ed50.f, ed50.dX - wgs84.dX,
+                  ed50.dY - wgs84.dY, ed50.dZ - wgs84.dZ, ProjUtm(wgs84, utm.zone).c_str());
+    double x, y;
+    ASSERT_TRUE(test::TProjReference(pipeline).Forward(geo.lon, geo.lat, x, y)) << pipeline;
+    EXPECT_LE(std::hypot(utm.x - x, utm.y - y), 0.005) << geo.lat << " " << geo.lon;
+  }
+}
+
 // UtmToUtm: the same datum (or −1, the configured one) leaves the position as it is;
 // 45N 6.0008E on ED50 (32T) is 31T on WGS 84; a refusal keeps it. A forced zone vs PROJ.
 TEST(Utm, UtmToUtmForcedZonesAndRefusals) {
