@@ -17,9 +17,9 @@ TEST(ScriptDebugCli, KeysAndWhatTheyShow) {
     int exitCode;
     std::string out, err;  // err: after the caption line and the keys line
   } cases[] = {
-      {"a = \"x\";\nEcho(a);\n", "\n\n\n", 0, "x",
-       "1: a = \"x\";\n   ^~~~~~~\n2: Echo(a);\n   ^~~~~~~\n2: Echo(a);\n       ^~~\nDebug End\n"},
-      {"a = \"x\";\nEcho(a);\n", " c \n", 0, "x", "1: a = \"x\";\n   ^~~~~~~\nDebug End\n"},
+      // Enter steps to the next node, " c " runs to the end.
+      {"a = \"x\";\nEcho(a);\n", "\n c \n", 0, "x",
+       "1: a = \"x\";\n   ^~~~~~~\n2: Echo(a);\n   ^~~~~~~\nDebug End\n"},
       // An unknown key shows the keys again; q ends a loop that never would.
       {"n = 0;\n\twhile (1) n++;", "\nx\nq\n", 0, "",
        "1: n = 0;\n   ^~~~~\n2: \twhile (1) n++;\n   \t      ^~~\nEnter: step, c: continue, q: stop\nDebug End\n"},
