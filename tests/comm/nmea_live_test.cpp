@@ -53,8 +53,7 @@ TEST(NmeaLiveHandler, FilterAndGllFallback) {
   TNmeaLiveHandler handler(test::Settings([](auto& s) { s.sentenceFilter = "RMC"; }));
   TPosicionNMEA record = RecordAtTestNow();
   EXPECT_EQ(Marks(handler, record, {kGga, kGll}), "00");
-  EXPECT_FALSE(record.newData);
-  EXPECT_EQ(handler.UnrecognisedCount(), 0);
+  EXPECT_EQ(std::pair(record.newData, handler.UnrecognisedCount()), std::pair(false, 0));
   EXPECT_EQ(Marks(handler, record, {kRmc}), "1");
   EXPECT_TRUE(record.newData);
   EXPECT_DOUBLE_EQ(record.lat, 48 + 7.040 / 60);
