@@ -168,10 +168,7 @@ TEST(NmeaTestOutput, SentencesPausesDamageAndCancel) {
   TTrack track;
   for (int i = 0; i < 3; ++i)
     track.Anyade_Punto_Temps(41.0 + i * 0.001, 2.0, 100, TDateTime::FromCalendar(2024, 5, 17, 10, 0, i));
-  struct TSink : TNmeaLineSink {
-    void WriteLine(std::string_view line) override { lines.emplace_back(line); }
-    std::vector<std::string> lines;
-  } port;
+  test::TMemoryPort port({});
   const std::vector<int> draws = {23, 7, 55, 93, 22, 94};
   size_t drawn = 0;
   std::vector<std::chrono::milliseconds> pauses;
@@ -191,14 +188,14 @@ TEST(NmeaTestOutput, SentencesPausesDamageAndCancel) {
   expected[0][0] = 'R';
   expected[2].resize(30);
   expected[3][expected[3].size() - 4] = 'A';
-  EXPECT_EQ(port.lines, expected);
+  EXPECT_EQ(port.written, expected);
   EXPECT_EQ(pauses, std::vector<std::chrono::milliseconds>(2, std::chrono::milliseconds(2000)));
   EXPECT_EQ(std::pair(progress.Total(), progress.Steps()), (std::pair<int64_t, int64_t>(3, 3)));
 
   TNmeaTestOutput plain(port, {}, {}, [&](std::chrono::milliseconds) { progress.Cancel(); });
-  port.lines.clear();
+  port.written.clear();
   EXPECT_FALSE(plain.Send({&track}, &progress));
-  EXPECT_EQ(port.lines, (std::vector<std::string>{BuildNmeaSentence("GPGGA", track.Point(0), 4),
+  EXPECT_EQ(port.written, (std::vector<std::string>{BuildNmeaSentence("GPGGA", track.Point(0), 4),
                                                   BuildNmeaSentence("GPRMC", track.Point(0), 4)}));
 }
 
