@@ -7,25 +7,15 @@
 #include <string_view>
 
 #include "fuzz/calibration_round_trip.h"
-#include "geodesy/lista_datums.h"
+#include "fuzz/fuzz_datums.h"
 #include "maps/imp_file.h"
 
-namespace {
-
 constexpr const char* kNoFolder = "/nonexistent-velantis-fuzz";
-
-const velantis::TListaDatums& Datums() {
-  static int configured = 0;
-  static const velantis::TListaDatums datums(configured);
-  return datums;
-}
-
-}  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   using namespace velantis;
   const auto read = [](std::string_view text, TMapCalibration& map, std::string& error) {
-    return ReadImpText(text, kNoFolder, Datums(), map, error);
+    return ReadImpText(text, kNoFolder, fuzz::Datums(), map, error);
   };
   const auto write = [](const TMapCalibration& map, std::string& text) {
     text = ImpText(map);

@@ -5,21 +5,13 @@
 #include <string_view>
 #include <vector>
 
+#include "fuzz/fuzz_datums.h"
 #include "geodesy/project_dat.h"
 #include "geodesy/projection_file.h"
 
 namespace {
 
-const velantis::TListaDatums& Datums() {
-  static int configured = 0;
-  static velantis::TListaDatums datums = [] {
-    velantis::TListaDatums list(configured);
-    for (const char* name : {"WGS 84", "European 1979", "Ord Srvy Grt Britn"})
-      list.Add({.name = name, .invFlattening = 298.257223563, .a = 6378137});
-    return list;
-  }();
-  return datums;
-}
+using velantis::fuzz::Datums;
 
 // A record that was read must write, and read back to itself (the writer adds
 // the VERSION bit).

@@ -2,8 +2,6 @@
 // the live reading cycle that reads lines until the record is new.
 #include "comm/nmea_live_cycle.h"
 
-#include <deque>
-
 #include "core/waypoints.h"
 #include "tests/support/nmea_link.h"
 
@@ -12,6 +10,7 @@ namespace {
 
 using test::Nmea;
 using test::RecordAtTestNow;
+using test::TMemoryPort;
 
 const std::string kGga = Nmea("GPGGA,123519,4807.038,N,01131.000,E,1,08,0.9,545.4,M,46.9,M,,");
 const std::string kRmc = Nmea("GPRMC,123520,A,4807.040,N,01131.000,E,022.4,084.4,230394,003.1,W");
@@ -53,8 +52,7 @@ TEST(NmeaLiveHandler, FilterAndGllFallback) {
   TNmeaLiveHandler handler(test::Settings([](auto& s) { s.sentenceFilter = "RMC"; }));
   TPosicionNMEA record = RecordAtTestNow();
   EXPECT_EQ(Marks(handler, record, {kGga, kGll}), "00");
-  EXPECT_FALSE(record.newData);
-  EXPECT_EQ(handler.UnrecognisedCount(), 0);
+  EXPECT_EQ(std::pair(record.newData, handler.UnrecognisedCount()), std::pair(false, 0));
   EXPECT_EQ(Marks(handler, record, {kRmc}), "1");
   EXPECT_TRUE(record.newData);
   EXPECT_DOUBLE_EQ(record.lat, 48 + 7.040 / 60);
@@ -192,26 +190,6 @@ TEST(NmeaLiveHandler, DialectReaders) {
   EXPECT_EQ(seen, (std::vector<std::string>{"D", "d", "TUA", "VABD"}));
   EXPECT_EQ(handler.UnrecognisedCount(), 2);  // the first "D" and "ABD"
 }
-
-// Lines in memory; an empty one stands for a read that brought nothing.
-class TMemoryPort : public TNmeaLineSource, public TNmeaLineSink {
-public:
-  explicit TMemoryPort(std::vector<std::string> lines) : m_lines(lines.begin(), lines.end()) {}
-  int ReadLine(std::string& line, bool wait) override {
-    waits.push_back(wait);
-    if (m_lines.empty()) return -1;
-    line = m_lines.front();
-    m_lines.pop_front();
-    return static_cast<int>(line.size());
-  }
-  void WriteLine(std::string_view line) override { written.emplace_back(line); }
-  size_t Left() const { return m_lines.size(); }
-  std::vector<bool> waits;
-  std::vector<std::string> written;
-
-private:
-  std::deque<std::string> m_lines;
-};
 
 // Up to the first position; after linesWithoutPosition lines without one the
 // fix is cleared and GLL allowed again; nothing read fails at once.

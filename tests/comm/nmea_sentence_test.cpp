@@ -19,6 +19,7 @@
 #include "geodesy/lista_datums.h"
 #include "tests/support/nmea_link.h"
 #include "tests/support/proj_reference.h"
+#include "tests/support/proj_sweep.h"
 
 namespace velantis {
 namespace {
@@ -148,9 +149,9 @@ TEST(NmeaSentenceTx, BuildsThePositionSentences) {
     EXPECT_EQ(BuildNmeaSentence(kind, point, decimals), line);
   TComandaNMEA_Tx sentence;
   ASSERT_TRUE(sentence.Build("GPGGA", published, 42));  // at most 9 decimals
-  EXPECT_EQ(sentence.Field(4), "01131.000000000");
-  EXPECT_EQ(sentence.Identifier(), "GGA");  // once built, it reads like a received one
-  EXPECT_TRUE(sentence.ChecksumMatches());
+  // Once built, it reads like a received one.
+  EXPECT_EQ(std::tuple(sentence.Field(4), sentence.Identifier(), sentence.ChecksumMatches()),
+            std::tuple("01131.000000000", "GGA", true));
   sentence.Begin("PMGNCMD");
   sentence.AddField("VERSION");
   EXPECT_EQ(sentence.Finish(), "$PMGNCMD,VERSION*28\r\n");
@@ -167,10 +168,7 @@ TEST(NmeaTestOutput, SentencesPausesDamageAndCancel) {
   TTrack track;
   for (int i = 0; i < 3; ++i)
     track.Anyade_Punto_Temps(41.0 + i * 0.001, 2.0, 100, TDateTime::FromCalendar(2024, 5, 17, 10, 0, i));
-  struct TSink : TNmeaLineSink {
-    void WriteLine(std::string_view line) override { lines.emplace_back(line); }
-    std::vector<std::string> lines;
-  } port;
+  test::TMemoryPort port({});
   const std::vector<int> draws = {23, 7, 55, 93, 22, 94};
   size_t drawn = 0;
   std::vector<std::chrono::milliseconds> pauses;
@@ -190,15 +188,14 @@ TEST(NmeaTestOutput, SentencesPausesDamageAndCancel) {
   expected[0][0] = 'R';
   expected[2].resize(30);
   expected[3][expected[3].size() - 4] = 'A';
-  EXPECT_EQ(port.lines, expected);
+  EXPECT_EQ(port.written, expected);
   EXPECT_EQ(pauses, std::vector<std::chrono::milliseconds>(2, std::chrono::milliseconds(2000)));
-  EXPECT_EQ(progress.Total(), 3);
-  EXPECT_EQ(progress.Steps(), 3);
+  EXPECT_EQ(std::pair(progress.Total(), progress.Steps()), (std::pair<int64_t, int64_t>(3, 3)));
 
   TNmeaTestOutput plain(port, {}, {}, [&](std::chrono::milliseconds) { progress.Cancel(); });
-  port.lines.clear();
+  port.written.clear();
   EXPECT_FALSE(plain.Send({&track}, &progress));
-  EXPECT_EQ(port.lines, (std::vector<std::string>{BuildNmeaSentence("GPGGA", track.Point(0), 4),
+  EXPECT_EQ(port.written, (std::vector<std::string>{BuildNmeaSentence("GPGGA", track.Point(0), 4),
                                                   BuildNmeaSentence("GPRMC", track.Point(0), 4)}));
 }
 
@@ -385,7 +382,6 @@ TEST(NmeaRecord, SettingsClockAndSpeedUnits) {
   // The program's table of speed units: the knot is 1852 m an hour, the mile 1609.344 m.
   EXPECT_DOUBLE_EQ(ConvertSpeed(1, TSpeedUnit::Mph, TSpeedUnit::Kmh), 1.609344);
   EXPECT_DOUBLE_EQ(ConvertSpeed(1, TSpeedUnit::Knots, TSpeedUnit::MetresPerSecond), 1852.0 / 3600);
-  EXPECT_DOUBLE_EQ(InternalSpeedToKnots(18.52), 10);
 }
 
 // ED50 (International 1924, NIMA's three parameters for Europe) as datum 1;
@@ -395,12 +391,8 @@ TEST(NmeaRecord, SettingsClockAndSpeedUnits) {
 TEST(NmeaRecord, ReceiverDatumAgainstProj) {
   int configured = 0;
   TListaDatums datums(configured);
-  TDatum wgs84, ed50;
-  wgs84.name = "WGS 84", wgs84.a = 6378137, wgs84.invFlattening = 298.257223563;
-  ed50.name = "European 1950", ed50.a = 6378388, ed50.invFlattening = 297;
-  ed50.dX = -87, ed50.dY = -98, ed50.dZ = -121;
-  datums.Add(wgs84);
-  datums.Add(ed50);
+  datums.Add(test::MakeDatum("WGS 84", test::kWgs84A, test::kWgs84Rf, 0, 0, 0));
+  datums.Add(test::MakeDatum("European 1950", test::kInternationalA, test::kInternationalRf, -87, -98, -121));
   const test::TProjReference proj(
       "+proj=pipeline +step +proj=cart +a=6378388 +rf=297 "
       "+step +proj=helmert +x=-87 +y=-98 +z=-121 +step +inv +proj=cart +ellps=WGS84");

@@ -13,12 +13,14 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <deque>
 #include <cstdio>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "app/log.h"
+#include "comm/nmea_line_source.h"
 #include "comm/nmea_sentence.h"
 #include "comm/nmea_settings.h"
 #include "comm/posicion_nmea.h"
@@ -138,6 +140,26 @@ public:
 private:
   int m_master = -1, m_slave = -1;
   std::string m_slaveName;
+};
+
+// Lines in memory; an empty one stands for a read that brought nothing.
+class TMemoryPort : public TNmeaLineSource, public TNmeaLineSink {
+public:
+  explicit TMemoryPort(std::vector<std::string> lines) : m_lines(lines.begin(), lines.end()) {}
+  int ReadLine(std::string& line, bool wait) override {
+    waits.push_back(wait);
+    if (m_lines.empty()) return -1;
+    line = m_lines.front();
+    m_lines.pop_front();
+    return static_cast<int>(line.size());
+  }
+  void WriteLine(std::string_view line) override { written.emplace_back(line); }
+  size_t Left() const { return m_lines.size(); }
+  std::vector<bool> waits;
+  std::vector<std::string> written;
+
+private:
+  std::deque<std::string> m_lines;
 };
 
 // A serial port on a pseudo-terminal, at 4800 baud.
