@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "app/config_reader.h"
-#include "app/file_io.h"
 #include "tests/support/testdata.h"
 
 namespace velantis {
@@ -18,11 +17,6 @@ namespace {
 
 using test::FileBytes;
 using test::ScratchDir;
-
-void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
-  std::string error;
-  ASSERT_TRUE(WriteFileAtomic(path.string(), bytes, error)) << error;
-}
 
 const char* const kSample =
     "; user's own notes\r\n"
@@ -89,10 +83,9 @@ TEST(KeyFileTest, LoadAndSaveUnchangedIsByteIdentical) {
   };
   for (size_t i = 0; i < texts.size(); ++i) {
     const auto path = dir / ("file" + std::to_string(i) + ".ini");
-    WriteBytes(path, texts[i]);
     TKeyFile file;
+    file.LoadText(texts[i]);
     std::string error;
-    ASSERT_TRUE(file.Load(path.string(), error)) << error;
     ASSERT_TRUE(file.Save(path.string(), error)) << error;
     EXPECT_EQ(FileBytes(path), texts[i]) << "case " << i;
     if (i == 1) {
