@@ -20,7 +20,6 @@ const TCase kCases[] = {
     {-1.0, 0x3C18, -1.0},            // e 3, m -1000
     {0.00000005, 0x0000, 0.0},       // below 1e-7: zero
     {-0.00000009, 0x0000, 0.0},
-    {0.0, 0x0000, 0.0},
     {2047.0, 0x07FF, 2047.0},        // largest mantissa at e 0
     {203.9, 0x17F7, 203.9},          // under 204: one digit more
     {2048.0, 0xF0CD, 2050.0},        // over 2047: one digit less, rounded
@@ -38,8 +37,6 @@ TEST(CompactReal, EncodesAndDecodesTheTable) {
     EXPECT_EQ(raw, c.raw) << std::hex << raw;
     EXPECT_DOUBLE_EQ(DecodeCompactReal(raw), c.decoded);
   }
-  EXPECT_EQ(CompactRealExponent(EncodeCompactReal(1.0)), 3);
-  EXPECT_EQ(CompactRealMantissa(EncodeCompactReal(1.0)), 1000);
   EXPECT_DOUBLE_EQ(DecodeCompactReal(0x8FFF), -1e8);  // e -8 decodes though never encoded
 }
 

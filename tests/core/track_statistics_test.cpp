@@ -47,36 +47,17 @@ TEST(TrackStatistics, LegsMatchPublishedGeodesics) {
   }
 }
 
-struct TAscentCase {
-  std::vector<float> altitudes;  // one a second, all at one place
-  double ascent, descent;
-  const char* why;
-};
-
-const TAscentCase kAscentCases[] = {
-    {{0, 10, 20, 30}, 30, 0, "steady climb"},
-    {{0, 3, -2, 4, 1}, 0, 0, "noise under the 5 m hysteresis adds nothing"},
-    {{100, 110, 104, 120, 90}, 26, 36, "turns of 6 m and more count"},
-    {{0, 4, 8}, 8, 0, "a slow climb counts once past 5 m"},
-    {{0, -9999, 10}, 10, 0, "unknown altitudes are skipped"},
-    {{50, 47}, 0, 0, "a last change under 5 m is not counted"},
-    {{}, 0, 0, "no points"},
-};
-
-TEST(TrackStatistics, AscentAndDescentUseTheHysteresis) {
-  for (const TAscentCase& c : kAscentCases) {
-    SCOPED_TRACE(c.why);
-    std::vector<TrkPnt> points;
-    for (size_t i = 0; i < c.altitudes.size(); ++i) points.push_back(At(0, static_cast<double>(i), c.altitudes[i]));
-    const TTrackStatistics s = ComputeTrackStatistics(points, 0);
-    EXPECT_DOUBLE_EQ(s.ascentM, c.ascent);
-    EXPECT_DOUBLE_EQ(s.descentM, c.descent);
-  }
+// Points one a second, all at one place, at these altitudes.
+std::vector<TrkPnt> Standing(std::initializer_list<float> altitudes) {
+  std::vector<TrkPnt> points;
+  for (float altitude : altitudes) points.push_back(At(0, static_cast<double>(points.size()), altitude));
+  return points;
 }
 
 // Moving time counts legs of half a metre a second and more; the top speed
-// is taken over five seconds; a new segment's gap is not travelled.
-TEST(TrackStatistics, DistanceTimesAndTopSpeed) {
+// is taken over five seconds; a new segment's gap is not travelled; ascent
+// and descent count changes past the 5 m hysteresis.
+TEST(TrackStatistics, DistanceTimesTopSpeedAndClimb) {
   // 3 legs of 110 m in 10 s, 4 standing legs, 3 m in 10 s (drift), 6 m in 10 s (a slow walk).
   const std::vector<TrkPnt> walk = {At(0, 0),    At(110, 10), At(220, 20), At(330, 30), At(330, 40),
                                     At(330, 50), At(330, 60), At(330, 70), At(333, 80), At(339, 90)};
@@ -86,17 +67,31 @@ TEST(TrackStatistics, DistanceTimesAndTopSpeed) {
   for (int t = 0; t <= 20; ++t) glitch.push_back(At(t == 10 ? 160.0 : 10.0 * t, t));
   const std::vector<TrkPnt> gap = {At(0, 0), At(100, 10), At(1000, 600, kAltitudeUnknownM, true), At(1100, 610)};
   const struct {
-    const std::vector<TrkPnt>& points;
-    double distance, moving, duration, maxKmh;
-  } cases[] = {{walk, 339, 40, 90, NAN}, {glitch, 300, 20, 20, 30 * kMsToKmh}, {gap, 200, 20, 610, 36}};
-  for (const auto& c : cases) {
-    const TTrackStatistics s = ComputeTrackStatistics(c.points, 0);
-    EXPECT_NEAR(s.distanceM, c.distance, 1e-6);
-    EXPECT_NEAR(s.movingTimeS, c.moving, 1e-5);
-    EXPECT_NEAR(s.durationS, c.duration, 1e-6);
-    if (!std::isnan(c.maxKmh)) {
-      EXPECT_NEAR(s.maxSpeedKmh, c.maxKmh, 1e-4);
+    std::vector<TrkPnt> points;
+    double distance, moving, duration, maxKmh, ascent, descent;
+  } cases[] = {
+      {walk, 339, 40, 90, NAN, 0, 0},
+      {glitch, 300, 20, 20, 30 * kMsToKmh, 0, 0},
+      {gap, 200, 20, 610, 36, 0, 0},
+      {Standing({0, 10, 20, 30}), 0, 0, 3, 0, 30, 0},
+      {Standing({0, 3, -2, 4, 1}), 0, 0, 4, 0, 0, 0},            // noise under 5 m adds nothing
+      {Standing({100, 110, 104, 120, 90}), 0, 0, 4, 0, 26, 36},  // turns of 6 m and more count
+      {Standing({0, 4, 8}), 0, 0, 2, 0, 8, 0},                   // a slow climb counts once past 5 m
+      {Standing({0, -9999, 10}), 0, 0, 2, 0, 10, 0},             // unknown altitudes are skipped
+      {Standing({50, 47}), 0, 0, 1, 0, 0, 0},                    // a last change under 5 m is not counted
+      {{}, 0, 0, 0, 0, 0, 0},
+  };
+  for (size_t i = 0; i < std::size(cases); ++i) {
+    SCOPED_TRACE(i);
+    const TTrackStatistics s = ComputeTrackStatistics(cases[i].points, 0);
+    EXPECT_NEAR(s.distanceM, cases[i].distance, 1e-6);
+    EXPECT_NEAR(s.movingTimeS, cases[i].moving, 1e-5);
+    EXPECT_NEAR(s.durationS, cases[i].duration, 1e-6);
+    if (!std::isnan(cases[i].maxKmh)) {
+      EXPECT_NEAR(s.maxSpeedKmh, cases[i].maxKmh, 1e-4);
     }
+    EXPECT_EQ(s.ascentM, cases[i].ascent);
+    EXPECT_EQ(s.descentM, cases[i].descent);
   }
   const std::vector<double> cumulative = CumulativeDistances(gap);
   ASSERT_EQ(cumulative.size(), 4u);

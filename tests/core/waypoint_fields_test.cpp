@@ -33,22 +33,19 @@ TEST(LabelColour, PacksAsRgb565AndIsStableAfterOneSave) {
   EXPECT_EQ(failures, 0u);
 }
 
-// A configured default off the 5-6-5 palette is not reported back as it was
-// configured, but what a new waypoint reports, written and read back, is
-// still the default.
-TEST(LabelColour, ConfiguredDefaultsSurviveASave) {
-  for (const auto& [text, background, exact] : {std::tuple{0xFF0000u, 0xFFFF00u, true}, {0x123456u, 0xABCDEFu, false}}) {
-    TConfig config;
-    config.Default_Label_Color_Wpt = text;
-    config.Default_Label_Back_Color_Wpt = background;
-    const TBalizaDefaults defaults = TBalizaDefaults::FromConfig(config);
-    const TBaliza wpt(defaults);
-    EXPECT_EQ(wpt.LabelColour1() == text && wpt.LabelColour2() == background, exact) << text;
-    TBaliza reread(defaults);
-    reread.SetLabelColour1(wpt.LabelColour1());
-    reread.SetLabelColour2(wpt.LabelColour2());
-    EXPECT_TRUE(reread.HasDefaultExtension(defaults)) << text;
-  }
+// A new waypoint takes its label colours from the configuration. (That one
+// off the 5-6-5 palette still reads back as the default is the waypoint
+// file's test.)
+TEST(LabelColour, NewWaypointsTakeTheConfiguredColours) {
+  TConfig config;
+  config.Default_Label_Color_Wpt = 0xFF0000;
+  config.Default_Label_Back_Color_Wpt = 0xFFFF00;
+  config.Wpt_Scale_Display = true;
+  const TBalizaDefaults defaults = TBalizaDefaults::FromConfig(config);
+  const TBaliza wpt(defaults);
+  EXPECT_EQ(std::tuple(wpt.LabelColour1(), wpt.LabelColour2(), wpt.DisplayFlag3()),
+            std::tuple(0xFF0000u, 0xFFFF00u, true));
+  EXPECT_TRUE(wpt.HasDefaultExtension(defaults));
 }
 
 TEST(Baliza, EffectiveProximityRadius) {
