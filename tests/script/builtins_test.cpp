@@ -29,6 +29,7 @@ TEST(ScriptBuiltins, FreeFunctions) {
       {"v = RoundInt(\"a\");", "|Should be Numeric!@4-11"},
       {"Echo();", "|Too few parametes in call to 'Echo' @0-3"},
       {"v = max(1, 2, 3);", "|Too few parametes in call to 'max' @4-6"},
+      {"v = nope();", "|Unknown function 'nope'@4-7"},
   };
   for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << ::testing::PrintToString(c.script);
 }

@@ -100,6 +100,7 @@ TEST(ScriptObjects, ArraysTracksAndRectangles) {
        "t.Recalculate(); v = t.Name + t.Count() + t[1].lat + t.Elem(0).lon + t.Rect.lat1;",
        "v=T2323"},
       {"t = Velantis.CreateTrack(\"T\"); t.CreateWpt(\"a\", 1, 2);", "|Unknown function 'CreateWpt'@31-31"},
+      {"t = Velantis.CreateTrack(\"T\"); t.Reproject(\"UTM\");", "|Reproject no implementado!!!@31-31"},
   };
   for (const TScriptCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << ::testing::PrintToString(c.script);
 }
