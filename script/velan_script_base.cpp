@@ -141,10 +141,14 @@ int TVelanScriptBase::FindDeclared(std::string_view name) const {
   return -1;
 }
 
-const TVarVelanScript& TVelanScriptBase::Value(const TTokenNode& expression) {
+const TResolvedExpression& TVelanScriptBase::Resolved(const TTokenNode& expression) {
   if (!expression.resolved)
     expression.resolved = std::make_shared<const TResolvedExpression>(ResolveExpression(expression, *this));
-  return Run(*expression.resolved);
+  return *expression.resolved;
+}
+
+const TVarVelanScript& TVelanScriptBase::Value(const TTokenNode& expression) {
+  return Run(Resolved(expression));
 }
 
 void TVelanScriptBase::Evaluate(const TTokenNode& expression, TVarVelanScript& out) {
@@ -222,13 +226,16 @@ void TVelanScriptBase::ExecuteStatement(const TTokenNode& statement) {
       if (statement.children.size() > 1) throw TScriptError(kSyntaxError, *statement.children[1]);
       return ExecuteBlock(first);
     default:
-      if (StartsExpression(first.kind)) return void(Value(statement));
+      if (StartsExpression(first.kind)) return Perform(Resolved(statement));
   }
   throw TScriptError(kUnknownTokenToExecute, first);
 }
 
 bool TVelanScriptBase::Condition(const TTokenNode& expression) {
-  const TVarVelanScript& value = Value(expression);
+  const TResolvedExpression& resolved = Resolved(expression);
+  bool holds;
+  if (Test(resolved, holds)) return holds;
+  const TVarVelanScript& value = Run(resolved);
   if (!value.IsNumber()) throw TScriptError(kShouldBeNumeric, expression);
   return value.number != 0;
 }
@@ -249,10 +256,10 @@ void TVelanScriptBase::RunDo(const TTokenNode& node) {
 
 void TVelanScriptBase::RunFor(const TTokenNode& node) {
   const TTokenNode& parts = *node.children[0];
-  Value(*parts.children[0]);
+  Perform(Resolved(*parts.children[0]));
   while (Condition(*parts.children[1])) {
     ExecuteBlock(*node.children[1]);
-    Value(*parts.children[2]);
+    Perform(Resolved(*parts.children[2]));
   }
 }
 

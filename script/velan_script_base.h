@@ -135,6 +135,9 @@ private:
   // The expression's value, valid until the next expression runs.
   const TVarVelanScript& Run(const TResolvedExpression& expression);
   const TVarVelanScript& Value(const TTokenNode& expression);
+  const TResolvedExpression& Resolved(const TTokenNode& expression);
+  bool Test(const TResolvedExpression& expression, bool& holds);
+  void Perform(const TResolvedExpression& expression);
 
   class TDepthGuard;
 };
