@@ -44,9 +44,16 @@ private:
 
   TVarVelanScript& Temp(uint32_t index) { return m_temps[index]; }
 
+  // The failures are out of line so that the reads stay small enough to be
+  // inlined in every operation.
+  [[noreturn, gnu::noinline]] static void Unassigned(const TOperand& operand) {
+    throw TScriptError(WithName(kUnknownVariable, operand.slot->name), *operand.token);
+  }
+  [[noreturn, gnu::noinline]] static void NoOperand() { throw TScriptError(kInternalError, 0, 0); }
+
   TVelanScriptBase::TSlot& Variable(const TOperand& operand) {
     TScriptSlot& slot = *operand.slot;
-    if (!slot.assigned) throw TScriptError(WithName(kUnknownVariable, slot.name), *operand.token);
+    if (!slot.assigned) Unassigned(operand);
     return slot;
   }
 
@@ -55,7 +62,7 @@ private:
       case TOperand::TKind::Constant: return m_expression.constants[operand.index];
       case TOperand::TKind::Temp: return Temp(operand.index);
       case TOperand::TKind::Variable: return Variable(operand).value;
-      default: throw TScriptError(kInternalError, 0, 0);
+      default: NoOperand();
     }
   }
 

@@ -141,10 +141,8 @@ int TVelanScriptBase::FindDeclared(std::string_view name) const {
   return -1;
 }
 
-const TResolvedExpression& TVelanScriptBase::Resolved(const TTokenNode& expression) {
-  if (!expression.resolved)
-    expression.resolved = std::make_shared<const TResolvedExpression>(ResolveExpression(expression, *this));
-  return *expression.resolved;
+void TVelanScriptBase::Resolve(const TTokenNode& expression) {
+  expression.resolved = std::make_shared<const TResolvedExpression>(ResolveExpression(expression, *this));
 }
 
 const TVarVelanScript& TVelanScriptBase::Value(const TTokenNode& expression) {

@@ -135,7 +135,12 @@ private:
   // The expression's value, valid until the next expression runs.
   const TVarVelanScript& Run(const TResolvedExpression& expression);
   const TVarVelanScript& Value(const TTokenNode& expression);
-  const TResolvedExpression& Resolved(const TTokenNode& expression);
+  // Resolved once, at the first evaluation; inline: every statement asks.
+  const TResolvedExpression& Resolved(const TTokenNode& expression) {
+    if (!expression.resolved) Resolve(expression);
+    return *expression.resolved;
+  }
+  void Resolve(const TTokenNode& expression);
   bool Test(const TResolvedExpression& expression, bool& holds);
   void Perform(const TResolvedExpression& expression);
 
