@@ -131,6 +131,7 @@ TEST(ScriptLanguage, DeclaredFunctions) {
       {"function f() { f(); }; f();", "|Internal VelanScript Error@13-20"},
       {"function f(1) { };", "|Syntax Error@11-11"},
       {"if (1) { function f() { }; };", "|Unknown token to execute@9-24"},
+      {"function f() { function g() { }; return 1; }; v = f();", "|Unknown token to execute@15-30"},
   };
   for (const TCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
 }
