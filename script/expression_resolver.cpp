@@ -148,8 +148,10 @@ private:
       case kReduced: return item.value;
       case kTokNum: return Constant(TVarVelanScript(NumberValue(item.token->text)), item.token);
       case kTokString: return Constant(TVarVelanScript(item.token->text), item.token);
-      case kTokWord:
-        return {TOperand::TKind::Variable, m_script.SlotOf(item.token->text), item.token};
+      case kTokWord: {
+        const uint32_t slot = m_script.SlotOf(item.token->text);
+        return {TOperand::TKind::Variable, slot, item.token, &m_script.Slot(slot)};
+      }
       default: return ReadChain(item, item.names.size());
     }
   }
@@ -282,7 +284,10 @@ private:
     if (const int declared = m_script.FindDeclared(name); declared >= 0) {
       if (m_script.Declared(declared).parameters.size() != args.size())
         throw TStop{kWrongDeclCount, word.token};
-      return EmitCall(TOpCode::CallDeclared, declared, Name(name), {}, args, word.token);
+      const TOperand call = EmitCall(TOpCode::CallDeclared, declared, Name(name), {}, args, word.token);
+      m_out.code.back().argTemps = m_out.temps;
+      m_out.temps += static_cast<uint32_t>(args.size());
+      return call;
     }
     const int builtin = FindFreeBuiltin(name);
     if (builtin < 0) throw TStop{WithName(kUnknownFunction, name), word.token};

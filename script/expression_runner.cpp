@@ -20,30 +20,40 @@ constexpr const char* kUnknownVariable = "Unknown variable '%s'";
 class TExpressionRunner {
 public:
   TExpressionRunner(TVelanScriptBase& script, const TResolvedExpression& expression)
-      : m_script(script), m_expression(expression), m_base(script.m_tempTop) {
-    const size_t top = m_base + expression.temps;
-    if (script.m_temps.size() < top) script.m_temps.resize(top);
-    script.m_tempTop = top;
-  }
-  ~TExpressionRunner() { m_script.m_tempTop = m_base; }
+      : m_script(script), m_expression(expression),
+        m_temps(script.m_temps.Take(expression.temps, m_mark)) {}
+  ~TExpressionRunner() { m_script.m_temps.Restore(m_mark); }
   TExpressionRunner(const TExpressionRunner&) = delete;
   TExpressionRunner& operator=(const TExpressionRunner&) = delete;
 
-  void Run(TVarVelanScript& out) {
-    for (const TInstruction& instruction : m_expression.code) Step(instruction);
-    out = Read(m_expression.result);
+  // Without a debugger the expression's own step (always its first
+  // operation) is skipped: one dispatch less on every evaluation.
+  const TVarVelanScript& Run() {
+    const TInstruction* in = m_expression.code.data();
+    const TInstruction* const end = in + m_expression.code.size();
+    if (!m_script.m_hook && in != end && in->op == TOpCode::Hook) ++in;
+    for (; in != end; ++in) Step(*in);
+    return Read(m_expression.result);
   }
 
 private:
   TVelanScriptBase& m_script;
   const TResolvedExpression& m_expression;
-  size_t m_base;
+  TTempStack::TMark m_mark;
+  TVarVelanScript* m_temps;
 
-  TVarVelanScript& Temp(uint32_t index) { return m_script.m_temps[m_base + index]; }
+  TVarVelanScript& Temp(uint32_t index) { return m_temps[index]; }
+
+  // The failures are out of line so that the reads stay small enough to be
+  // inlined in every operation.
+  [[noreturn, gnu::noinline]] static void Unassigned(const TOperand& operand) {
+    throw TScriptError(WithName(kUnknownVariable, operand.slot->name), *operand.token);
+  }
+  [[noreturn, gnu::noinline]] static void NoOperand() { throw TScriptError(kInternalError, 0, 0); }
 
   TVelanScriptBase::TSlot& Variable(const TOperand& operand) {
-    TVelanScriptBase::TSlot& slot = m_script.m_slots[operand.index];
-    if (!slot.assigned) throw TScriptError(WithName(kUnknownVariable, slot.name), *operand.token);
+    TScriptSlot& slot = *operand.slot;
+    if (!slot.assigned) Unassigned(operand);
     return slot;
   }
 
@@ -52,7 +62,7 @@ private:
       case TOperand::TKind::Constant: return m_expression.constants[operand.index];
       case TOperand::TKind::Temp: return Temp(operand.index);
       case TOperand::TKind::Variable: return Variable(operand).value;
-      default: throw TScriptError(kInternalError, 0, 0);
+      default: NoOperand();
     }
   }
 
@@ -60,7 +70,7 @@ private:
   // (a member chain was read, and failed, before).
   TVelanScriptBase::TSlot& Target(const TOperand& operand) {
     if (operand.kind != TOperand::TKind::Variable) throw TScriptError(kInternalError, *operand.token);
-    return m_script.m_slots[operand.index];
+    return *operand.slot;
   }
 
   std::vector<TVarVelanScript> Arguments(const TInstruction& instruction) {
@@ -82,14 +92,12 @@ private:
         if (m_script.m_hook) m_script.m_hook(m_script.m_hookContext, *in.at);
         return;
       case TOpCode::Raise: throw TScriptError(m_expression.names[in.name], *in.at);
-      case TOpCode::Load: Temp(in.dest) = Read(in.a); return;
+      case TOpCode::Load: return Temp(in.dest).CopyFrom(Read(in.a));
       case TOpCode::Negate:
         return Temp(in.dest).SetNumber(-Numeric(Read(in.a), kShouldBeNumeric, *in.at));
       case TOpCode::Not:
         return Temp(in.dest).SetNumber(Numeric(Read(in.a), kSyntaxError, *in.at) == 0 ? 1 : 0);
-      case TOpCode::Binary:
-        return ApplyOperator(in.tokenKind, Read(in.a), Read(in.b), Temp(in.dest), *in.at,
-                             m_script.m_limits.maxStringLength);
+      case TOpCode::Binary: return Binary(in.tokenKind, Read(in.a), Read(in.b), Temp(in.dest), *in.at);
       case TOpCode::Assign: return Assign(in);
       case TOpCode::Compound: return Compound(in);
       case TOpCode::PostStep: return PostStep(in);
@@ -105,20 +113,29 @@ private:
     }
   }
 
+  // Two numbers take the inline path; the rest (strings, references, the
+  // integer operators) the general one.
+  void Binary(int32_t op, const TVarVelanScript& a, const TVarVelanScript& b, TVarVelanScript& out,
+              const TTokenNode& at) {
+    double value;
+    if (a.IsNumber() && b.IsNumber() && NumberOperator(op, a.number, b.number, value))
+      return out.SetNumber(value);
+    ApplyOperator(op, a, b, out, at, m_script.m_limits.maxStringLength);
+  }
+
   void Assign(const TInstruction& in) {
     TVarVelanScript& result = Temp(in.dest);
-    result = Read(in.b);
+    result.CopyFrom(Read(in.b));
     TVelanScriptBase::TSlot& slot = Target(in.a);
-    slot.value = result;
+    slot.value.CopyFrom(result);
     slot.assigned = true;
   }
 
   void Compound(const TInstruction& in) {
     TVarVelanScript& result = Temp(in.dest);
     const TVarVelanScript& current = Variable(in.a).value;
-    ApplyOperator(CompoundBase(in.tokenKind), current, Read(in.b), result, *in.at,
-                  m_script.m_limits.maxStringLength);
-    Target(in.a).value = result;
+    Binary(CompoundBase(in.tokenKind), current, Read(in.b), result, *in.at);
+    Target(in.a).value.CopyFrom(result);
   }
 
   // Postfix "++" and "--" yield the value before the step, as in C.
@@ -230,16 +247,62 @@ private:
     Temp(in.dest) = std::move(result);
   }
 
+  // The values are copied before the first parameter is assigned: an
+  // argument may read a variable that is another parameter.
   void CallDeclared(const TInstruction& in) {
-    std::vector<TVarVelanScript> args = Arguments(in);
-    TVarVelanScript result;
-    m_script.CallDeclared(in.target, args, result, *in.at);
-    Temp(in.dest) = std::move(result);
+    TVarVelanScript* values = &Temp(in.argTemps);
+    for (uint32_t i = 0; i < in.argCount; ++i) values[i].CopyFrom(Read(m_expression.args[in.argStart + i]));
+    m_script.CallDeclared(in.target, values, Temp(in.dest), *in.at);
   }
 };
 
-void TVelanScriptBase::Run(const TResolvedExpression& expression, TVarVelanScript& out) {
-  TExpressionRunner(*this, expression).Run(out);
+namespace {
+
+const TVarVelanScript* NumberOperand(const TResolvedExpression& expression, const TOperand& operand) {
+  if (operand.kind == TOperand::TKind::Constant) return &expression.constants[operand.index];
+  if (operand.kind == TOperand::TKind::Variable && operand.slot->assigned) return &operand.slot->value;
+  return nullptr;
+}
+
+}  // namespace
+
+// A condition that is one comparison of two numbers read from variables or
+// constants (a loop's "i < n") is decided here, without running it; any
+// other form, or other values, run as an expression, so every error stays
+// the runner's.
+bool TVelanScriptBase::Test(const TResolvedExpression& expression, bool& holds) {
+  if (m_hook || expression.code.size() != 2) return false;
+  const TInstruction& in = expression.code[1];
+  if (in.op != TOpCode::Binary || expression.result.kind != TOperand::TKind::Temp ||
+      expression.result.index != in.dest)
+    return false;
+  const TVarVelanScript* a = NumberOperand(expression, in.a);
+  const TVarVelanScript* b = NumberOperand(expression, in.b);
+  double value;
+  if (!a || !b || !a->IsNumber() || !b->IsNumber() || !NumberOperator(in.tokenKind, a->number, b->number, value))
+    return false;
+  holds = value != 0;
+  return true;
+}
+
+// A statement that is one postfix step of a number variable ("n++", a
+// loop's "i++") is done here, without a runner (its value is not used);
+// any other statement, or a variable not holding a number, runs.
+void TVelanScriptBase::Perform(const TResolvedExpression& expression) {
+  if (!m_hook && expression.code.size() == 2 && expression.code[1].op == TOpCode::PostStep) {
+    const TInstruction& in = expression.code[1];
+    TScriptSlot& slot = *in.a.slot;
+    if (slot.assigned && slot.value.IsNumber())
+      return void(slot.value.number += in.tokenKind == kTokIncrement ? 1 : -1);
+  }
+  Run(expression);
+}
+
+// The result is a constant of the expression or one of its temporaries:
+// released when the runner ends, but its storage stays until the next
+// expression runs, which is after the caller has read it.
+const TVarVelanScript& TVelanScriptBase::Run(const TResolvedExpression& expression) {
+  return TExpressionRunner(*this, expression).Run();
 }
 
 }  // namespace velantis

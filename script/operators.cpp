@@ -16,19 +16,11 @@ double Numeric(const TVarVelanScript& value, const TTokenNode& at) {
 
 double Bool(bool value) { return value ? 1 : 0; }
 
-double Compare(int32_t op, const TVarVelanScript& a, const TVarVelanScript& b, const TTokenNode& at) {
-  int order;
-  if (a.IsString() && b.IsString()) {
-    order = a.text.compare(b.text);
-  } else {
-    const double x = Numeric(a, at), y = Numeric(b, at);
-    if (op == kTokEqual) return Bool(x == y);
-    if (op == kTokNotEqual) return Bool(x != y);
-    if (op == kTokGreater) return Bool(x > y);
-    if (op == kTokLess) return Bool(x < y);
-    if (op == kTokGreaterEqual) return Bool(x >= y);
-    return Bool(x <= y);
-  }
+// Two strings by their bytes; a number with a string is not comparable
+// (two numbers went through NumberOperator).
+double CompareStrings(int32_t op, const TVarVelanScript& a, const TVarVelanScript& b, const TTokenNode& at) {
+  if (!a.IsString() || !b.IsString()) throw TScriptError(kShouldBeNumeric, at);
+  const int order = a.text.compare(b.text);
   switch (op) {
     case kTokEqual: return Bool(order == 0);
     case kTokNotEqual: return Bool(order != 0);
@@ -52,12 +44,9 @@ double Remainder(double a, double b) {
   return static_cast<double>(x % y);
 }
 
-double Arithmetic(int32_t op, double x, double y) {
+// The operators NumberOperator leaves: logical and integer ones.
+double IntegerOrLogical(int32_t op, double x, double y) {
   switch (op) {
-    case kTokMul: return x * y;
-    case kTokDiv: return x / y;
-    case kTokPlus: return x + y;
-    case kTokMinus: return x - y;
     case kTokAnd: return Bool(x != 0 && y != 0);
     case kTokOr: return Bool(x != 0 || y != 0);
     case kTokMod: return Remainder(x, y);
@@ -86,9 +75,12 @@ void ApplyOperator(int32_t op, const TVarVelanScript& a, const TVarVelanScript& 
     out.SetString(std::move(joined));
     return;
   }
-  if (IsComparison(op)) return out.SetNumber(Compare(op, a, b, at));
-  const double x = Numeric(a, at);
-  out.SetNumber(Arithmetic(op, x, Numeric(b, at)));
+  const bool numbers = a.IsNumber() && b.IsNumber();
+  if (IsComparison(op) && !numbers) return out.SetNumber(CompareStrings(op, a, b, at));
+  const double x = Numeric(a, at), y = Numeric(b, at);
+  double value;
+  if (NumberOperator(op, x, y, value)) return out.SetNumber(value);
+  out.SetNumber(IntegerOrLogical(op, x, y));
 }
 
 }  // namespace velantis

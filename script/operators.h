@@ -20,6 +20,25 @@
 
 namespace velantis {
 
+// x op y for the operators of two numbers that need no integer conversion
+// (arithmetic and comparisons); false for the others. Inline: the
+// interpreter calls it before the general function.
+inline bool NumberOperator(int32_t op, double x, double y, double& result) {
+  switch (op) {
+    case kTokPlus: result = x + y; return true;
+    case kTokMinus: result = x - y; return true;
+    case kTokMul: result = x * y; return true;
+    case kTokDiv: result = x / y; return true;
+    case kTokLess: result = x < y ? 1 : 0; return true;
+    case kTokGreater: result = x > y ? 1 : 0; return true;
+    case kTokLessEqual: result = x <= y ? 1 : 0; return true;
+    case kTokGreaterEqual: result = x >= y ? 1 : 0; return true;
+    case kTokEqual: result = x == y ? 1 : 0; return true;
+    case kTokNotEqual: result = x != y ? 1 : 0; return true;
+    default: return false;
+  }
+}
+
 // out = a op b for the binary operator kinds (and the operator of op=).
 // Throws TScriptError at `at`; a joined string longer than maxString is
 // "Internal VelanScript Error".

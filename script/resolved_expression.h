@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "script/script_slot.h"
 #include "script/token_node.h"
 #include "script/var_velan_script.h"
 
@@ -24,6 +25,7 @@ struct TOperand {
   TKind kind = TKind::None;
   uint32_t index = 0;
   const TTokenNode* token = nullptr;  // a variable's name, for its error
+  TScriptSlot* slot = nullptr;        // a variable's slot
 };
 
 enum class TOpCode : uint8_t {
@@ -53,6 +55,7 @@ struct TInstruction {
   TOperand a, b;
   uint32_t dest = 0;      // temporary written
   uint32_t argStart = 0, argCount = 0;
+  uint32_t argTemps = 0;  // CallDeclared: the first of argCount temporaries its values are copied to
   int32_t target = -1;    // built-in, method, declared function, property or key; -1 unknown
   int32_t method = -1;    // CallMethod: the object method's name id; -1 none has it
   uint32_t name = 0;      // index in names: the called or read name, or the message

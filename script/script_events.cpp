@@ -35,11 +35,11 @@ bool RunEvent(TVelanScriptBase& script, TScriptEvent event, std::vector<TVarVela
   const TTokenNode& at = *script.Declared(function).declaration;
   if (script.Declared(function).parameters.size() != args.size()) throw TScriptError(kWrongDeclCount, at);
   if (!entry.wrapsErrors) {
-    script.CallDeclared(function, args, result, at);
+    script.CallDeclared(function, args.data(), result, at);
     return true;
   }
   try {
-    script.CallDeclared(function, args, result, at);
+    script.CallDeclared(function, args.data(), result, at);
   } catch (const TExitVelanScript&) {
   } catch (const TScriptError& error) {
     throw TScriptError(kEventError + std::string(entry.function), error.Start(), error.End());

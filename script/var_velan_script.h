@@ -33,6 +33,13 @@ struct TVarVelanScript {
     kind = TKind::Number;
     number = n;
   }
+  // A copy that leaves this value's string storage alone unless the value
+  // copied is a string (a number's text is never read).
+  void CopyFrom(const TVarVelanScript& other) {
+    if (other.IsString()) return void(*this = other);
+    kind = other.kind;
+    number = other.number;
+  }
   void SetString(std::string s) {
     kind = TKind::String;
     text = std::move(s);

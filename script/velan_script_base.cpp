@@ -85,7 +85,7 @@ void TVelanScriptBase::CollectFunctions() {
     function.declaration = &declaration;
     function.body = declaration.children[2].get();
     for (const TTokenNode* name : Parameters(*declaration.children[1]))
-      function.parameters.push_back(SlotOf(name->text));
+      function.parameters.push_back(&m_slots[SlotOf(name->text)]);
     if (FindDeclared(function.name) < 0) m_functions.push_back(std::move(function));
   }
 }
@@ -141,24 +141,29 @@ int TVelanScriptBase::FindDeclared(std::string_view name) const {
   return -1;
 }
 
-void TVelanScriptBase::Evaluate(const TTokenNode& expression, TVarVelanScript& out) {
-  if (!expression.resolved)
-    expression.resolved = std::make_shared<const TResolvedExpression>(ResolveExpression(expression, *this));
-  Run(*expression.resolved, out);
+void TVelanScriptBase::Resolve(const TTokenNode& expression) {
+  expression.resolved = std::make_shared<const TResolvedExpression>(ResolveExpression(expression, *this));
 }
 
-void TVelanScriptBase::CallDeclared(int index, std::vector<TVarVelanScript>& args,
-                                    TVarVelanScript& out, const TTokenNode& at) {
+const TVarVelanScript& TVelanScriptBase::Value(const TTokenNode& expression) {
+  return Run(Resolved(expression));
+}
+
+void TVelanScriptBase::Evaluate(const TTokenNode& expression, TVarVelanScript& out) {
+  out = Value(expression);
+}
+
+void TVelanScriptBase::CallDeclared(int index, TVarVelanScript* args, TVarVelanScript& out,
+                                    const TTokenNode& at) {
   TDepthGuard guard(*this, at);
   const TDeclaredFunction& function = m_functions[index];
-  for (size_t i = 0; i < args.size(); ++i) {
-    TSlot& slot = m_slots[function.parameters[i]];
+  for (size_t i = 0; i < function.parameters.size(); ++i) {
+    TSlot& slot = *function.parameters[i];
     slot.value = std::move(args[i]);
     slot.assigned = true;
   }
   try {
-    ExecuteBlock(*function.body);
-    out = TVarVelanScript(0.0);
+    if (!ExecuteBody(*function.body, out)) out = TVarVelanScript(0.0);
   } catch (TReturnVelanScript& returned) {
     out = std::move(returned.value);
   }
@@ -171,6 +176,27 @@ void TVelanScriptBase::ExecuteBlock(const TTokenNode& block) {
     if (child->kind != kTokLinea) throw TScriptError(kUnknownTokenToExecute, *child);
     ExecuteStatement(*child);
   }
+}
+
+// A function's body block, as ExecuteBlock runs it, except a `return` that
+// stands directly in it: nothing lies between that statement and the call,
+// so its value goes straight to the call's result instead of being thrown
+// (a throw costs microseconds). A return inside a loop or a nested block
+// still throws TReturnVelanScript, which the call catches: the same value
+// either way. True when a return ended the body.
+bool TVelanScriptBase::ExecuteBody(const TTokenNode& body, TVarVelanScript& out) {
+  TDepthGuard guard(*this, body);
+  for (const auto& child : body.children) {
+    if (child->kind == kTokFunctions) continue;
+    if (child->kind != kTokLinea) throw TScriptError(kUnknownTokenToExecute, *child);
+    const TTokenNode* first = child->children.empty() ? nullptr : child->children[0].get();
+    if (first && first->kind == kTokReturn && !first->children.empty()) {
+      out.CopyFrom(Value(*first->children[0]));
+      return true;
+    }
+    ExecuteStatement(*child);
+  }
+  return false;
 }
 
 void TVelanScriptBase::ExecuteStatement(const TTokenNode& statement) {
@@ -198,17 +224,16 @@ void TVelanScriptBase::ExecuteStatement(const TTokenNode& statement) {
       if (statement.children.size() > 1) throw TScriptError(kSyntaxError, *statement.children[1]);
       return ExecuteBlock(first);
     default:
-      if (StartsExpression(first.kind)) {
-        TVarVelanScript discarded;
-        return Evaluate(statement, discarded);
-      }
+      if (StartsExpression(first.kind)) return Perform(Resolved(statement));
   }
   throw TScriptError(kUnknownTokenToExecute, first);
 }
 
 bool TVelanScriptBase::Condition(const TTokenNode& expression) {
-  TVarVelanScript value;
-  Evaluate(expression, value);
+  const TResolvedExpression& resolved = Resolved(expression);
+  bool holds;
+  if (Test(resolved, holds)) return holds;
+  const TVarVelanScript& value = Run(resolved);
   if (!value.IsNumber()) throw TScriptError(kShouldBeNumeric, expression);
   return value.number != 0;
 }
@@ -229,11 +254,10 @@ void TVelanScriptBase::RunDo(const TTokenNode& node) {
 
 void TVelanScriptBase::RunFor(const TTokenNode& node) {
   const TTokenNode& parts = *node.children[0];
-  TVarVelanScript discarded;
-  Evaluate(*parts.children[0], discarded);
+  Perform(Resolved(*parts.children[0]));
   while (Condition(*parts.children[1])) {
     ExecuteBlock(*node.children[1]);
-    Evaluate(*parts.children[2], discarded);
+    Perform(Resolved(*parts.children[2]));
   }
 }
 

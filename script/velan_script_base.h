@@ -21,6 +21,8 @@
 
 #include "script/script_error.h"
 #include "script/script_objects.h"
+#include "script/script_slot.h"
+#include "script/temp_stack.h"
 #include "script/token_node.h"
 #include "script/var_velan_script.h"
 
@@ -83,14 +85,10 @@ public:
   }
 
   // For the resolver and the evaluator.
-  struct TSlot {
-    std::string name;
-    bool assigned = false;
-    TVarVelanScript value;
-  };
+  using TSlot = TScriptSlot;
   struct TDeclaredFunction {
     std::string name;
-    std::vector<uint32_t> parameters;  // slots
+    std::vector<TSlot*> parameters;
     const TTokenNode* declaration = nullptr;
     const TTokenNode* body = nullptr;
   };
@@ -101,9 +99,9 @@ public:
 
   // Evaluates the expression node (a statement, a group, an item).
   void Evaluate(const TTokenNode& expression, TVarVelanScript& out);
-  // Runs a declared function with its argument values.
-  void CallDeclared(int function, std::vector<TVarVelanScript>& args, TVarVelanScript& out,
-                    const TTokenNode& at);
+  // Runs a declared function with its argument values (one per parameter;
+  // they are moved into the parameters).
+  void CallDeclared(int function, TVarVelanScript* args, TVarVelanScript& out, const TTokenNode& at);
   void CheckString(const TVarVelanScript& value, const TTokenNode& at) const;
 
 private:
@@ -111,8 +109,7 @@ private:
   std::deque<TSlot> m_slots;  // a deque: slots keep their address as the table grows
   std::unordered_map<std::string, uint32_t> m_slotIndex;
   std::vector<TDeclaredFunction> m_functions;
-  std::deque<TVarVelanScript> m_temps;  // grows only: temporaries keep their address
-  size_t m_tempTop = 0;
+  TTempStack m_temps;
   TDebugHook m_hook = nullptr;
   void* m_hookContext = nullptr;
   TScriptLimits m_limits;
@@ -127,6 +124,7 @@ private:
 
   void CollectFunctions();
   void ExecuteBlock(const TTokenNode& block);
+  bool ExecuteBody(const TTokenNode& body, TVarVelanScript& out);
   void ExecuteStatement(const TTokenNode& statement);
   bool Condition(const TTokenNode& expression);
   void RunFor(const TTokenNode& node);
@@ -134,7 +132,17 @@ private:
   void RunWhile(const TTokenNode& node);
   void RunDo(const TTokenNode& node);
   [[noreturn]] void RunReturn(const TTokenNode& node);
-  void Run(const TResolvedExpression& expression, TVarVelanScript& out);
+  // The expression's value, valid until the next expression runs.
+  const TVarVelanScript& Run(const TResolvedExpression& expression);
+  const TVarVelanScript& Value(const TTokenNode& expression);
+  // Resolved once, at the first evaluation; inline: every statement asks.
+  const TResolvedExpression& Resolved(const TTokenNode& expression) {
+    if (!expression.resolved) Resolve(expression);
+    return *expression.resolved;
+  }
+  void Resolve(const TTokenNode& expression);
+  bool Test(const TResolvedExpression& expression, bool& holds);
+  void Perform(const TResolvedExpression& expression);
 
   class TDepthGuard;
 };

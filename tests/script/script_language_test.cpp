@@ -89,6 +89,7 @@ TEST(ScriptLanguage, ControlStructures) {
       {"v = 0; do { v = v + 1; } while (v < 3);", "v=3"},
       {"v = 7; do { v = v + 1; } while (0);", "v=8"},
       {"v = 0; while (v < 4) v++;", "v=4"},
+      {"v = 5; v--; v--; w = \"s\"; w++;", "v=3|Should be Numeric@27-28"},
       {"v = 0; for (i = 0; i < 5; i++) v += i;", "v=10"},
       {"v = 0; for (i = 0; i < 3; i++) { for (j = 0; j < 3; j++) { v = v + 1; }; };", "v=9"},
       {"v = 1; { v = 2; };", "v=2"},
@@ -105,6 +106,11 @@ TEST(ScriptLanguage, ControlStructures) {
       {"+ 1;", "|Unknown token to execute@0-0"},
       {"v = 1; , ;", "v=1|Internal VelanScript Grammar Error@7-7"},
       {"if (\"a\") v = 1;", "|Should be Numeric@3-7"},
+      // A loop's condition of two values: strings, a string with a number,
+      // a variable not yet assigned.
+      {"s = \"b\"; v = 0; while (s > \"a\") { s = \"a\"; v++; };", "v=1"},
+      {"s = \"1\"; v = 0; while (s < 2) v++;", "v=0|Should be Numeric@25-25"},
+      {"v = 0; while (v < k) v++;", "v=0|Unknown variable 'k'@18-18"},
       {"Echo(\"a\"); return 1; Echo(\"b\");", "a"},
   };
   for (const TCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
@@ -114,6 +120,8 @@ TEST(ScriptLanguage, DeclaredFunctions) {
   const TCase cases[] = {
       {"function f(k) { while (1) { for (q = 0; q < 9; q++) { if (q == k) return q * 10; }; }; }; v = f(3);", "v=30"},
       {"function g() { return 5; }; v = g() -1;", "v=4"},
+      // Returns straight from the body and from inside a block give the same.
+      {"function f(a) { if (a) { return \"x\" + a; }; return \"y\" + a; }; v = f(1) + f(0);", "v=x1y0"},
       {"function f(a) { b = a * 2; }; r = f(4); v = a * 100 + b * 10 + r;", "v=480"},
       {"function f(x, y) { return x - y; }; x = 1; y = 5; v = f(y, x);", "v=4"},
       // One variable table: the inner call changes n before "*" reads it.
@@ -123,8 +131,18 @@ TEST(ScriptLanguage, DeclaredFunctions) {
       {"function f() { f(); }; f();", "|Internal VelanScript Error@13-20"},
       {"function f(1) { };", "|Syntax Error@11-11"},
       {"if (1) { function f() { }; };", "|Unknown token to execute@9-24"},
+      {"function f() { function g() { }; return 1; }; v = f();", "|Unknown token to execute@15-30"},
   };
   for (const TCase& c : cases) EXPECT_EQ(Outcome(c.script), c.outcome) << c.script;
+}
+
+// An expression with more temporaries than the interpreter sets apart at a
+// time, stacked by a recursion that runs while its outer copies wait.
+TEST(ScriptLanguage, LongExpressionInNestedCalls) {
+  std::string ones;
+  for (int i = 0; i < 299; ++i) ones += " + 1";
+  EXPECT_EQ(Outcome("function f(n) { if (n < 1) return 0; return f(n - 1)" + ones + "; }; v = f(3);"),
+            "v=897");
 }
 
 TEST(ScriptLanguage, Errors) {
