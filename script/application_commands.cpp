@@ -24,12 +24,7 @@ const std::vector<TApplicationCommand>& AllCommands() {
 
 }  // namespace
 
-int FindApplicationCommand(std::string_view name) {
-  const std::vector<TApplicationCommand>& all = AllCommands();
-  for (size_t i = 0; i < all.size(); ++i)
-    if (all[i].name == name) return static_cast<int>(i);
-  return -1;
-}
+int FindApplicationCommand(std::string_view name) { return IndexOfName(AllCommands(), name); }
 
 const TApplicationCommand& ApplicationCommand(int index) { return AllCommands()[index]; }
 

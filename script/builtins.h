@@ -42,6 +42,19 @@ struct TStringBuiltin {
   TStringMethod method;
 };
 
+// The index of the entry named name in a table of built-ins (anything with a
+// `name`), -1 for a name not there. Names are compared exactly, letter case
+// included.
+template <typename TTable>
+int IndexOfName(const TTable& table, std::string_view name) {
+  int index = 0;
+  for (const auto& entry : table) {
+    if (entry.name == name) return index;
+    ++index;
+  }
+  return -1;
+}
+
 // Indexes into the tables, -1 for a name not there.
 int FindFreeBuiltin(std::string_view name);
 const TFreeBuiltin& FreeBuiltin(int index);

@@ -120,11 +120,7 @@ constexpr TFreeBuiltin kFreeFunctions[] = {
 
 }  // namespace
 
-int FindFreeBuiltin(std::string_view name) {
-  for (size_t i = 0; i < std::size(kFreeFunctions); ++i)
-    if (kFreeFunctions[i].name == name) return static_cast<int>(i);
-  return -1;
-}
+int FindFreeBuiltin(std::string_view name) { return IndexOfName(kFreeFunctions, name); }
 
 const TFreeBuiltin& FreeBuiltin(int index) { return kFreeFunctions[index]; }
 

@@ -5,6 +5,7 @@
 
 #include "app/config.h"
 #include "app/config_registry.h"
+#include "script/builtins.h"
 #include "script/script_error.h"
 #include "script/script_host.h"
 #include "script/velan_script_base.h"
@@ -32,11 +33,7 @@ const TConfigRegistration& Registration(int key) { return ConfigRegistrations()[
 
 std::span<const TApplicationCommand> MonitorMethods() { return kMonitorMethods; }
 
-int FindMonitorMethod(std::string_view name) {
-  for (size_t i = 0; i < std::size(kMonitorMethods); ++i)
-    if (kMonitorMethods[i].name == name) return static_cast<int>(i);
-  return -1;
-}
+int FindMonitorMethod(std::string_view name) { return IndexOfName(kMonitorMethods, name); }
 
 int FindConfigKey(std::string_view key) {
   const TConfigRegistration* found = FindConfigRegistration(key);

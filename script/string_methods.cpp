@@ -142,11 +142,7 @@ constexpr TStringBuiltin kStringMethods[] = {
 
 }  // namespace
 
-int FindStringMethod(std::string_view name) {
-  for (size_t i = 0; i < std::size(kStringMethods); ++i)
-    if (kStringMethods[i].name == name) return static_cast<int>(i);
-  return -1;
-}
+int FindStringMethod(std::string_view name) { return IndexOfName(kStringMethods, name); }
 
 const TStringBuiltin& StringMethod(int index) { return kStringMethods[index]; }
 
